@@ -1,0 +1,44 @@
+#ifndef KVL_MACHINES_ROOT_LAYOUT_H
+#define KVL_MACHINES_ROOT_LAYOUT_H
+
+#include <string>
+#include <vector>
+
+namespace kvl::machines {
+
+/// What a freshly made private root holds besides its mounts. bubblewrap is told to make it from outside, and
+/// LaidDownMachine::reset makes it anew from inside; both walk these lists.
+
+struct LayoutDirectory {
+    const char* path;
+    unsigned mode;
+};
+
+struct LayoutLink {
+    std::string path;
+    std::string target;
+};
+
+struct LayoutFile {
+    std::string path;
+    unsigned mode;
+    std::string text;
+};
+
+/// The directories, each one behind its parent.
+const std::vector<LayoutDirectory>& layoutDirectories();
+
+/// The symbolic links: the ordinary tools, which busybox is, and the parts of procfs.
+const std::vector<LayoutLink>& layoutLinks();
+
+/// The files, for the user who asks.
+std::vector<LayoutFile> layoutFiles();
+
+/// Where the stand-in lies in a private root.
+constexpr const char* kStandInPath = "/.machine/stand-in";
+/// Where the script lies that lays a recording down.
+constexpr const char* kLayDownPath = "/.machine/lay-down";
+
+}  // namespace kvl::machines
+
+#endif
