@@ -1,0 +1,14 @@
+#include "host/CKvlXmlWrite.h"
+
+#include "reference_host/atomic_file.h"
+#include "reference_host/xml_document.h"
+#include "reference_host/xml_element.h"
+
+CKvlXmlWrite::CKvlXmlWrite() = default;
+
+CKvlXmlWrite::~CKvlXmlWrite() = default;
+
+bool CKvlXmlWrite::writeXML(std::string path, CKvlXmlNode root) {
+    kvl::host::AtomicFile file(path);
+    return file.isGood() && kvl::host::writeDocument(*root.content_->element, file) && file.commit();
+}

@@ -1,0 +1,177 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+#include "host/CKvlXmlNode.h"
+#include "host/CKvlXmlWrite.h"
+#include "reference_host/xml_element.h"
+#include "tests/reference_host/host_test.h"
+
+namespace {
+
+using kvl::host::copiedXmlParts;
+
+class XmlNode : public kvl::test::HostTest {
+protected:
+    // The element as written, without declaration, indentation and line ends.
+    std::string textOf(const CKvlXmlNode& node) const {
+        EXPECT_TRUE(CKvlXmlWrite().writeXML(scratch_ / "node.xml", node));
+        std::string text;
+        for (const std::string& line : kvl::test::linesOf(scratch_ / "node.xml")) {
+            if (line.rfind("<?", 0) != 0) {
+                text += line.substr(line.find_first_not_of(' '));
+            }
+        }
+        return text;
+    }
+};
+
+CKvlXmlNode child(const std::string& tag) {
+    CKvlXmlNode node(tag);
+    node.addAttribute("a", "1");
+    return node;
+}
+
+TEST_F(XmlNode, StartsWithItsTagAlone) {
+    EXPECT_EQ(textOf(CKvlXmlNode("tag")), "<tag />");
+}
+
+TEST_F(XmlNode, KeepsAttributesAndChildrenInOrder) {
+    CKvlXmlNode node("old");
+    node.addAttribute("b", "1");
+    node.addChildNode(child("y"));
+    node.addAttribute("a", "2");
+    node.addChildNode(CKvlXmlNode("x"));
+    node.addChildNode(child("y"));
+    node.setTagName("tag");
+    EXPECT_EQ(textOf(node), R"(<tag b="1" a="2"><y a="1" /><x /><y a="1" /></tag>)");
+}
+
+TEST_F(XmlNode, IsACopyThatItsOriginalDoesNotReach) {
+    CKvlXmlNode original = child("tag");
+    original.addChildNode(child("child"));
+    const CKvlXmlNode copy(original);
+    original.setTagName("changed");
+    original.addAttribute("b", "2");
+    original.addChildNode(CKvlXmlNode("more"));
+    EXPECT_EQ(textOf(copy), R"(<tag a="1"><child a="1" /></tag>)");
+    EXPECT_EQ(textOf(original), R"(<changed a="1" b="2"><child a="1" /><more /></changed>)");
+}
+
+TEST_F(XmlNode, IsACopyThatDoesNotReachItsOriginal) {
+    const CKvlXmlNode original = child("tag");
+    CKvlXmlNode copy(original);
+    copy.setTagName("changed");
+    copy.addAttribute("b", "2");
+    EXPECT_EQ(textOf(original), R"(<tag a="1" />)");
+}
+
+TEST_F(XmlNode, IsAssignedAsAValue) {
+    CKvlXmlNode first = child("first");
+    CKvlXmlNode second("second");
+    second = first;
+    first.setTagName("changed");
+    EXPECT_EQ(textOf(second), R"(<first a="1" />)");
+    CKvlXmlNode& self = second;
+    second = self;
+    EXPECT_EQ(textOf(second), R"(<first a="1" />)");
+}
+
+TEST_F(XmlNode, IsUnchangedInTheTreeWhenTheCallerChangesItsOwn) {
+    CKvlXmlNode root("root");
+    {
+        CKvlXmlNode node = child("node");
+        root.addChildNode(node);
+        node.setTagName("changed");
+        node.addAttribute("b", "2");
+        node.addChildNode(CKvlXmlNode("below"));
+        root.addChildNode(node);
+    }
+    EXPECT_EQ(textOf(root), R"(<root><node a="1" /><changed a="1" b="2"><below /></changed></root>)");
+}
+
+TEST_F(XmlNode, KeepsACopyOfATreeAcrossDeepChanges) {
+    CKvlXmlNode inner = child("inner");
+    CKvlXmlNode outer("outer");
+    outer.addChildNode(inner);
+    const CKvlXmlNode copy(outer);
+    inner.addAttribute("b", "2");
+    outer.addChildNode(inner);
+    EXPECT_EQ(textOf(copy), R"(<outer><inner a="1" /></outer>)");
+    EXPECT_EQ(textOf(outer), R"(<outer><inner a="1" /><inner a="1" b="2" /></outer>)");
+}
+
+TEST_F(XmlNode, TakesACopyOfItselfAsAChild) {
+    CKvlXmlNode node = child("tag");
+    node.addChildNode(node);
+    node.addChildNode(node);
+    EXPECT_EQ(textOf(node), R"(<tag a="1"><tag a="1" /><tag a="1"><tag a="1" /></tag></tag>)");
+}
+
+TEST_F(XmlNode, StaysUsableAfterAMove) {
+    CKvlXmlNode source = child("tag");
+    CKvlXmlNode target(std::move(source));
+    source.addAttribute("b", "2");
+    EXPECT_EQ(textOf(source), R"(<tag a="1" b="2" />)");
+    EXPECT_EQ(textOf(target), R"(<tag a="1" />)");
+}
+
+// Each port is finished before it goes into the report.
+CKvlXmlNode reportOf(int ports) {
+    CKvlXmlNode report("Report");
+    for (int i = 0; i < ports; ++i) {
+        CKvlXmlNode port("Port");
+        for (int j = 0; j < 10; ++j) {
+            CKvlXmlNode parameter("Parameter");
+            parameter.addAttribute("Name", std::to_string(j));
+            port.addChildNode(parameter);
+        }
+        report.addChildNode(port);
+    }
+    return report;
+}
+
+// One node is changed and added again and again.
+CKvlXmlNode reportOfOneNode(int ports) {
+    CKvlXmlNode report("Report");
+    CKvlXmlNode port("Port");
+    port.addAttribute("Name", "eth");
+    port.addChildNode(CKvlXmlNode("Parameter"));
+    for (int i = 0; i < ports; ++i) {
+        port.setTagName("Port" + std::to_string(i));
+        report.addChildNode(port);
+    }
+    return report;
+}
+
+TEST_F(XmlNode, IsNeverCopiedWhenAReportIsBuiltAndWritten) {
+    const std::size_t before = copiedXmlParts();
+    const CKvlXmlNode report = reportOf(1000);
+    const CKvlXmlNode copy(report);
+    EXPECT_TRUE(CKvlXmlWrite().writeXML(scratch_ / "report.xml", copy));
+    EXPECT_EQ(copiedXmlParts(), before);
+}
+
+TEST_F(XmlNode, IsCopiedInProportionToTheReport) {
+    std::size_t copied[2] = {};
+    for (const int thousands : {1, 2}) {
+        const std::size_t before = copiedXmlParts();
+        reportOfOneNode(thousands * 1000);
+        copied[thousands - 1] = copiedXmlParts() - before;
+    }
+    constexpr std::size_t kPartsOfAPort = 3;
+    EXPECT_EQ(copied[0], kPartsOfAPort * 999);
+    EXPECT_EQ(copied[1], kPartsOfAPort * 1999);
+}
+
+TEST_F(XmlNode, CopiesOneLevelAlone) {
+    CKvlXmlNode report = reportOf(5);
+    const CKvlXmlNode kept(report);
+    const std::size_t before = copiedXmlParts();
+    report.addAttribute("a", "1");
+    report.addAttribute("b", "2");
+    EXPECT_EQ(copiedXmlParts() - before, 1U + 5U);
+}
+
+}  // namespace
