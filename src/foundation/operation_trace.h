@@ -1,0 +1,50 @@
+#ifndef KVL_FOUNDATION_OPERATION_TRACE_H
+#define KVL_FOUNDATION_OPERATION_TRACE_H
+
+#include <string>
+
+#include "host/CTraceUtility.h"
+
+namespace kvl {
+
+/// The trace lines of one operation of a class with objects: "[ENTER] " and "[LEAVE] " with the operation's
+/// signature at level 4, and notes that carry the signature in front.
+class OperationTrace {
+public:
+    /// @param moduleName  must outlive this object
+    /// @param signature   the operation's full signature as the language prints it, without "%"
+    OperationTrace(const std::string& moduleName, const char* signature)
+        : module_(moduleName.c_str()), signature_(signature) {}
+
+    void enter() const { boundary("[ENTER] ", ""); }
+    /// With one blank and a value behind the signature.
+    void enter(const std::string& value) const { boundary("[ENTER] ", " " + value); }
+    void leave() const { boundary("[LEAVE] ", ""); }
+    /// With one blank and a value behind the signature.
+    void leave(const std::string& value) const { boundary("[LEAVE] ", " " + value); }
+    /// With ", rc=" and the number behind the signature.
+    void leaveResult(int result) const { boundary("[LEAVE] ", ", rc=" + std::to_string(result)); }
+
+    /// A line at level 1: the signature, one blank, and the format filled with the arguments.
+    template <typename... Arguments>
+    void detail(const char* format, Arguments... arguments) const {
+        CTraceUtility::WriteDebug(module_, TRACE_DBG_FLOW, behindSignature(format).c_str(), arguments...);
+    }
+
+    /// The same at level 2.
+    template <typename... Arguments>
+    void error(const char* format, Arguments... arguments) const {
+        CTraceUtility::WriteDebug(module_, TRACE_DBG_ERROR, behindSignature(format).c_str(), arguments...);
+    }
+
+private:
+    void boundary(const char* marker, const std::string& tail) const;
+    std::string behindSignature(const char* format) const { return std::string(signature_) + " " + format; }
+
+    const char* module_;
+    const char* signature_;
+};
+
+}  // namespace kvl
+
+#endif
