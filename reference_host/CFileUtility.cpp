@@ -1,6 +1,7 @@
 #include "host/CFileUtility.h"
 
 #include <fnmatch.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <system_error>
@@ -69,10 +70,8 @@ void CFileUtility::DeleteAllFileByExtendName(std::string directory, std::string 
         return;
     }
     for (const fs::directory_entry& entry : entriesOf(directory)) {
-        std::error_code error;
-        const bool isRegular = fs::is_regular_file(entry.symlink_status(error));
-        if (isRegular && endsWith(entry.path().filename().string(), "." + extension)) {
-            fs::remove(entry.path(), error);
+        if (endsWith(entry.path().filename().string(), "." + extension)) {
+            ::unlink(entry.path().c_str());  // a link itself, and never a directory
         }
     }
 }

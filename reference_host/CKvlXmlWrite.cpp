@@ -6,7 +6,8 @@
 
 CKvlXmlWrite::CKvlXmlWrite() = default;
 
-CKvlXmlWrite::~CKvlXmlWrite() = default;
+// Not defaulted: that would belong into the class, which is declared for every host alike.
+CKvlXmlWrite::~CKvlXmlWrite() {}
 
 bool CKvlXmlWrite::writeXML(std::string path, CKvlXmlNode root) {
     kvl::host::AtomicFile file(path);

@@ -1,10 +1,8 @@
 #include "host/CMutexUtil.h"
 
-#include <unistd.h>
-
 #include <chrono>
 #include <memory>
-#include <string>
+#include <optional>
 
 #include "reference_host/file_descriptor.h"
 #include "reference_host/install_path.h"
@@ -25,8 +23,7 @@ ProcessGate& gate() {
 }
 
 FileDescriptor openMutexFile() {
-    return kvl::host::openLockFile(kvl::host::installPath() + "/lock/kvl.mutex",
-                                   "/dev/shm/kvl-" + std::to_string(::geteuid()) + ".mutex");
+    return kvl::host::openLockFile(kvl::host::installPath() + "/lock/kvl.mutex", "/dev/shm/kvl.mutex");
 }
 
 Deadline deadlineAfter(int milliseconds) {

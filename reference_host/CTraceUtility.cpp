@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -33,7 +34,9 @@ std::string textOrNull(const char* text) {
     return text != nullptr ? text : "(null)";
 }
 
-std::string operatorText(const char* messageId, std::va_list arguments) {
+using NextText = std::function<const char*()>;
+
+std::string operatorText(const char* messageId, const NextText& nextArgument) {
     const std::string id = textOrNull(messageId);
     const OperatorMessage* message = findOperatorMessage(id);
     if (message == nullptr) {
@@ -41,7 +44,7 @@ std::string operatorText(const char* messageId, std::va_list arguments) {
     }
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < message->argumentCount; ++i) {
-        texts.push_back(textOrNull(va_arg(arguments, const char*)));
+        texts.push_back(textOrNull(nextArgument()));
     }
     return id + ": " + filledText(message->text, texts);
 }
@@ -55,9 +58,9 @@ void writeDebug(const char* module, TRACE_DBG_LEVEL level, const char* format, s
     }
 }
 
-void writeTrace(const char* module, const char* messageId, std::va_list arguments) noexcept {
+void writeTrace(const char* module, const char* messageId, const NextText& nextArgument) noexcept {
     try {
-        kvl::host::recordOperatorMessage(textOrNull(module), operatorText(messageId, arguments));
+        kvl::host::recordOperatorMessage(textOrNull(module), operatorText(messageId, nextArgument));
     } catch (...) {
     }
 }
@@ -76,6 +79,6 @@ void CTraceUtility::WriteTrace(const char* module, const char* messageId, ...) {
     const KeptErrno keptErrno;
     std::va_list arguments;
     va_start(arguments, messageId);
-    writeTrace(module, messageId, arguments);
+    writeTrace(module, messageId, [&arguments] { return va_arg(arguments, const char*); });
     va_end(arguments);
 }

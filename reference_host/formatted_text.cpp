@@ -1,8 +1,9 @@
 #include "reference_host/formatted_text.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
 
 namespace kvl::host {
 
@@ -10,22 +11,13 @@ std::string formattedText(const char* format, std::va_list arguments) {
     if (format == nullptr) {
         return {};
     }
-    std::array<char, 512> shortText{};
-    std::va_list again;
-    va_copy(again, arguments);
-    const int length = std::vsnprintf(shortText.data(), shortText.size(), format, arguments);
-    std::string text;
+    char* printed = nullptr;
+    const int length = ::vasprintf(&printed, format, arguments);
     if (length < 0) {
-        text = format;
-    } else if (static_cast<std::size_t>(length) < shortText.size()) {
-        text.assign(shortText.data(), static_cast<std::size_t>(length));
-    } else {
-        text.resize(static_cast<std::size_t>(length) + 1);
-        std::vsnprintf(text.data(), text.size(), format, again);
-        text.pop_back();
+        return format;
     }
-    va_end(again);
-    return text;
+    const std::unique_ptr<char, decltype(&std::free)> owner(printed, &std::free);
+    return {printed, static_cast<std::size_t>(length)};
 }
 
 std::string onOneLine(const std::string& text) {

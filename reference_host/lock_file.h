@@ -8,11 +8,11 @@
 
 namespace kvl::host {
 
-/// Opens the file that the processes of this machine lock: `productFile`, whose directory is made if possible, or
-/// else `userFile`. Since others may write beside `userFile`, it is taken only as a regular file of this user, and
-/// not through a link.
+/// Opens the file that the processes of this machine lock, whoever runs them: `productFile`, or else `commonFile`.
+/// The file and the directories of `productFile` are made if they are missing, readable for every user. Only a regular
+/// file is taken, and not through a link, since others may write beside `commonFile`.
 /// @return a new description of the file, closed when another program is started; none if neither can be opened
-FileDescriptor openLockFile(const std::string& productFile, const std::string& userFile);
+FileDescriptor openLockFile(const std::string& productFile, const std::string& commonFile);
 
 /// Waits for the exclusive lock of an open file. A file that can't be locked at all counts as locked.
 /// @param deadline  when to give up; never if empty

@@ -147,13 +147,32 @@ TEST_F(DeleteAllFileByExtendName, DeletesTheFilesWithThatExtensionAlone) {
     EXPECT_THAT(scratch_.entries(), ElementsAre("a.TXT", "a.txt2", "atxt", "txt"));
 }
 
-TEST_F(DeleteAllFileByExtendName, DeletesRegularFilesAlone) {
-    layDirectory(scratch_ / "directory.txt");
-    lay(scratch_ / "target", "");
-    std::filesystem::create_symlink("target", scratch_ / "link.txt");
+TEST_F(DeleteAllFileByExtendName, DeletesFilesOfEveryKind) {
+    lay(scratch_ / "file.txt", "");
     ASSERT_EQ(::mkfifo((scratch_ / "pipe.txt").c_str(), 0600), 0);
     CFileUtility::DeleteAllFileByExtendName(scratch_.path(), "txt");
-    EXPECT_THAT(scratch_.entries(), ElementsAre("directory.txt", "link.txt", "pipe.txt", "target"));
+    EXPECT_THAT(scratch_.entries(), IsEmpty());
+}
+
+TEST_F(DeleteAllFileByExtendName, DeletesLinksAndNotTheirTargets) {
+    lay(scratch_ / "target", "");
+    layDirectory(scratch_ / "directory");
+    lay(scratch_ / "directory/a.txt", "");
+    for (const char* target : {"target", "directory", "missing"}) {
+        std::filesystem::create_symlink(target, scratch_ / (std::string(target) + "-link.txt"));
+    }
+    CFileUtility::DeleteAllFileByExtendName(scratch_.path(), "txt");
+    EXPECT_THAT(scratch_.entries(), ElementsAre("directory", "target"));
+    EXPECT_TRUE(std::filesystem::exists(scratch_ / "directory/a.txt"));
+}
+
+TEST_F(DeleteAllFileByExtendName, DeletesNoDirectory) {
+    layDirectory(scratch_ / "empty.txt");
+    layDirectory(scratch_ / "full.txt");
+    lay(scratch_ / "full.txt/a.txt", "");
+    CFileUtility::DeleteAllFileByExtendName(scratch_.path(), "txt");
+    EXPECT_THAT(scratch_.entries(), ElementsAre("empty.txt", "full.txt"));
+    EXPECT_TRUE(std::filesystem::exists(scratch_ / "full.txt/a.txt"));
 }
 
 TEST_F(DeleteAllFileByExtendName, DeletesNothingForAnEmptyText) {

@@ -2,7 +2,9 @@
 #include <gmock/gmock.h>
 #include <sched.h>
 #include <sys/file.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -12,6 +14,7 @@
 #include <filesystem>
 #include <memory>
 #include <thread>
+#include <vector>
 
 #include "host/CMutexUtil.h"
 #include "reference_host/file_descriptor.h"
@@ -21,6 +24,7 @@
 namespace {
 
 using kvl::host::FileDescriptor;
+using kvl::test::becomeAnotherUser;
 using kvl::test::exitCodeOf;
 using kvl::test::HostTest;
 using kvl::test::isRunning;
@@ -227,6 +231,43 @@ TEST_F(MutexUtil, ExcludesProcesses) {
     EXPECT_EQ(exitCodeOf(first), 0);
     EXPECT_EQ(exitCodeOf(second), 0);
     EXPECT_EQ(*counter, 2 * kRounds);
+}
+
+// Hides this process's /dev/shm behind an empty one.
+bool mountPrivateMemory() {
+    return ::unshare(CLONE_NEWNS) == 0 && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           ::mount("none", "/dev/shm", "tmpfs", 0, "mode=1777") == 0;
+}
+
+TEST_F(MutexUtil, ExcludesOtherUsersWhereTheInstallDirectoryIsNoHelp) {
+    constexpr int kImpossible = 2;
+    const auto lockForTwoUsers = [] {
+        setVariable("KVL_INSTALL_PATH", "/proc/kvl");
+        if (!mountPrivateMemory()) {
+            return kImpossible;
+        }
+        ::umask(077);
+        CMutexUtil first;
+        first.Create(1, nullptr, nullptr);
+        if (!becomeAnotherUser()) {
+            return kImpossible;
+        }
+        CMutexUtil second;
+        second.Create(1, nullptr, nullptr);
+        second.Lock(-1);
+        std::vector<std::filesystem::path> files;
+        for (const auto& entry : std::filesystem::directory_iterator("/dev/shm")) {
+            files.push_back(entry.path());
+        }
+        const FileDescriptor file(::open(files.front().c_str(), O_RDONLY | O_CLOEXEC));
+        const bool isHeld = file.isOpen() && ::flock(file.number(), LOCK_EX | LOCK_NB) != 0;
+        return files.size() == 1 && isHeld ? 0 : 1;
+    };
+    const int result = exitCodeOf(lockForTwoUsers);
+    if (result == kImpossible) {
+        GTEST_SKIP() << "only root can mount, and become another user";
+    }
+    EXPECT_EQ(result, 0);
 }
 
 TEST_F(MutexUtil, WaitsThroughSignals) {

@@ -1,5 +1,6 @@
 #include "tests/reference_host/processes.h"
 
+#include <grp.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -37,6 +38,11 @@ int exitCodeOf(pid_t child) {
 
 int exitCodeOf(const std::function<int()>& work) {
     return exitCodeOf(startChild(work));
+}
+
+bool becomeAnotherUser() {
+    constexpr unsigned kNobody = 65534;
+    return ::setgroups(0, nullptr) == 0 && ::setegid(kNobody) == 0 && ::seteuid(kNobody) == 0;
 }
 
 }  // namespace kvl::test

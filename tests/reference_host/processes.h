@@ -21,6 +21,9 @@ int exitCodeOf(pid_t child);
 /// Runs `work` in a child process, for what would change the test program itself. @return the exit code
 int exitCodeOf(const std::function<int()>& work);
 
+/// Turns this process, one of root, into an ordinary user's. Meant for a child. @return false if that's impossible
+bool becomeAnotherUser();
+
 /// An object that this process and its later children see in common.
 template <typename Value>
 class SharedValue {

@@ -1,12 +1,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cctype>
 #include <clocale>
+#include <cstdlib>
 #include <limits>
 #include <list>
+#include <optional>
 #include <string>
 
 #include "host/CStringUtil.h"
+#include "tests/reference_host/processes.h"
+#include "tests/reference_host/scratch_directory.h"
 
 namespace {
 
@@ -98,19 +104,44 @@ TEST(StringToUpperCase, RaisesTheLettersAndKeepsTheRest) {
     EXPECT_EQ(text, "az AZ 09 {`}");
 }
 
-TEST(StringToUpperCase, KeepsEveryByteThatIsNoAsciiLetterInAnyLocale) {
-    std::string all;
-    for (int byte = 0; byte < 256; ++byte) {
-        all += static_cast<char>(byte);
+// Makes a locale whose letters go beyond ASCII, one byte each, and sets it for as long as it lives.
+class Latin1Locale {
+public:
+    Latin1Locale() {
+        const char* previous = std::getenv("LOCPATH");
+        previous_ = previous != nullptr ? std::optional<std::string>(previous) : std::nullopt;
+        const std::string locale = scratch_ / "latin1";
+        const int result = kvl::test::exitCodeOf([&locale] {
+            return ::execlp("localedef", "localedef", "--no-archive", "-i", "en_US", "-f", "ISO-8859-1", locale.c_str(),
+                            static_cast<char*>(nullptr));
+        });
+        ::setenv("LOCPATH", scratch_.path().c_str(), 1);
+        isSet_ = result == 0 && std::setlocale(LC_ALL, "latin1") != nullptr;
     }
-    const std::string before = CStringUtil::StringToUpperCase(all);
-    std::setlocale(LC_ALL, "");
-    const std::string after = CStringUtil::StringToUpperCase(all);
-    std::setlocale(LC_ALL, "C");
-    EXPECT_EQ(before, after);
-    for (std::size_t byte = 0; byte < 256; ++byte) {
+    ~Latin1Locale() {
+        std::setlocale(LC_ALL, "C");
+        previous_ ? ::setenv("LOCPATH", previous_->c_str(), 1) : ::unsetenv("LOCPATH");
+    }
+
+    Latin1Locale(const Latin1Locale&) = delete;
+    Latin1Locale& operator=(const Latin1Locale&) = delete;
+
+    bool isSet() const { return isSet_; }
+
+private:
+    const kvl::test::ScratchDirectory scratch_;
+    std::optional<std::string> previous_;
+    bool isSet_ = false;
+};
+
+TEST(StringToUpperCase, KeepsEveryByteThatIsNoAsciiLetterInEveryLocale) {
+    const Latin1Locale locale;
+    ASSERT_TRUE(locale.isSet());
+    ASSERT_NE(std::islower(0xe4), 0);
+    for (int byte = 0; byte < 256; ++byte) {
         const bool isLower = byte >= 'a' && byte <= 'z';
-        EXPECT_EQ(static_cast<unsigned char>(before[byte]), isLower ? byte - 32 : byte);
+        const std::string expected(1, static_cast<char>(isLower ? byte - 'a' + 'A' : byte));
+        EXPECT_EQ(CStringUtil::StringToUpperCase(std::string(1, static_cast<char>(byte))), expected) << byte;
     }
 }
 

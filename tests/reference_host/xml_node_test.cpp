@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include "host/CKvlXmlNode.h"
@@ -31,6 +32,10 @@ CKvlXmlNode child(const std::string& tag) {
     CKvlXmlNode node(tag);
     node.addAttribute("a", "1");
     return node;
+}
+
+TEST_F(XmlNode, IsDestroyedWholeThroughAPointerToIt) {
+    EXPECT_TRUE(std::has_virtual_destructor_v<CKvlXmlNode>);
 }
 
 TEST_F(XmlNode, StartsWithItsTagAlone) {

@@ -1,0 +1,78 @@
+#include "provider/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <iostream>
+#include <sstream>
+
+#include "provider/exit_codes.h"
+#include "provider/provider_error.h"
+#include "provider/replay_command.h"
+#include "provider/report_command.h"
+
+namespace kvl::provider {
+namespace {
+
+// The program's commands, in the order of the help.
+constexpr std::array<AddCommand, 2> kCommands = {addReportCommand, addReplayCommand};
+
+constexpr const char* kDescription =
+    "Reports the LAN configuration of this machine: its ports, teams (bonds) and VLANs,\n"
+    "their addresses and the settings of their drivers.";
+
+constexpr const char* kExamples =
+    "Examples:\n"
+    "  kvl report                                 this machine, for eyes\n"
+    "  kvl report --format xml -o report.xml      this machine, as a document\n"
+    "  kvl replay four-port -- report             a recorded server\n"
+    "\n"
+    "'kvl COMMAND --help' explains a command.\n"
+    "\n";
+
+/// Help and version are told by the parser as errors that succeed.
+std::function<int()> printingRequest(const CLI::App& program, const CLI::ParseError& parsed) {
+    std::ostringstream text;
+    program.exit(parsed, text, text);
+    return [printed = text.str()] {
+        std::cout << printed << std::flush;
+        return static_cast<int>(kReportWritten);
+    };
+}
+
+/// Tells what is wrong, and where the usage is told.
+std::string describe(const CLI::App& program, const Arguments& arguments, const CLI::ParseError& error) {
+    const auto chosen = program.get_subcommands();
+    const std::string command = chosen.empty() ? "" : chosen.front()->get_name() + " ";
+    const std::string what = !chosen.empty()     ? error.what()
+                             : arguments.empty() ? "a command is missing"
+                                                 : "there is no command '" + arguments.front() + "'";
+    return what + " ('kvl " + command + "--help' tells the usage)";
+}
+
+}  // namespace
+
+Request readCommandLine(const Arguments& arguments) {
+    CLI::App program(kDescription, "kvl");
+    program.set_version_flag("--version", "kvl " KVL_VERSION);
+    program.footer(std::string(kExamples) + kExitCodesHelp);
+    program.require_subcommand(1);
+    program.get_formatter()->column_width(34);
+    program.get_formatter()->label("Excludes", "not with");
+
+    Request request;
+    request.arguments = arguments;
+    for (const AddCommand add : kCommands) {
+        add(program, request);
+    }
+    try {
+        program.parse(Arguments(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success)) {
+            throw ProviderError(kWrongUsage, describe(program, arguments, error));
+        }
+        request.run = printingRequest(program, error);
+    }
+    return request;
+}
+
+}  // namespace kvl::provider

@@ -1,0 +1,29 @@
+#ifndef KVL_TESTS_PROVIDER_KVL_PROGRAM_H
+#define KVL_TESTS_PROVIDER_KVL_PROGRAM_H
+
+#include <string>
+#include <vector>
+
+#include "machines/private_root.h"
+#include "tests/machines/outside.h"
+
+namespace kvl::test {
+
+/// The words as one line for the shell.
+std::string quoted(const std::vector<std::string>& words);
+
+/// Runs kvl on this machine.
+Outcome runKvl(const std::vector<std::string>& arguments);
+
+/// Runs kvl on a recorded server, by its own replay.
+Outcome replayKvl(const std::string& machine, const std::vector<std::string>& arguments);
+
+/// A private root in which kvl can be run on a recorded server.
+machines::PrivateRootOptions rootWithKvl(const std::string& recording);
+
+/// Copies a shipped recording into a directory, for a test that changes it. @return the copy
+std::string copyRecording(const std::string& machine, const ScratchDirectory& scratch);
+
+}  // namespace kvl::test
+
+#endif
