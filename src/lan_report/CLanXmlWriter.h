@@ -11,8 +11,11 @@
 /// Turns what a collector knows into an XML tree, limited to the interfaces of some PCI vendors.
 ///
 /// The four section operations each append a section to the root in the order of the calls; `Write` and `GetNicNode`
-/// see what was appended before them. The writer runs no command itself, but the collector's questions do. Nearly
-/// every value is a parameter element: a node with the tag "attr" and the attributes "name" and "value".
+/// see what was appended before them. The writer runs no command itself, but the collector's questions do; each
+/// operation names theirs. Where the collector has no driver data yet, the first question for them collects, and the
+/// collector's std::out_of_range for output of unexpected form passes through.
+///
+/// Nearly every value is a parameter element: a node with the tag "attr" and the attributes "name" and "value".
 class CLanXmlWriter {
 public:
     /// Makes a document with the empty root "data". Asks nothing and traces nothing.
@@ -28,17 +31,20 @@ public:
 
     // ---- The document ----
 
-    /// Appends the section Common: the DNS suffixes. It is empty if /etc/resolv.conf can't be read.
+    /// Appends the section Common: the DNS suffixes, through `cat /etc/resolv.conf`. It is empty if that fails.
     void SetCommonInfo();
 
-    /// Appends the section Physical: a physical_port for each physical interface of a target vendor.
+    /// Appends the section Physical: a physical_port for each physical interface of a target vendor that has both
+    /// records. Runs `lspci -mns` and `lspci -m | grep`, and what the blocks below run.
     /// @throws std::out_of_range "basic_string::substr" for a target's bus information of under five characters
     void SetPhysicalInfo();
 
-    /// Appends the section Team: a team_port for each bond with a slave of a target vendor.
+    /// Appends the section Team: a team_port for each bond with a slave of a target vendor that has both records.
+    /// Runs `ls /proc/net/bonding`, and what the blocks below run.
     void SetTeamInfo();
 
-    /// Appends the section VLAN: a vlan_port for each VLAN on a target interface or bond.
+    /// Appends the section VLAN: a vlan_port for each VLAN on a target interface or bond that `ifconfig` knows. Runs
+    /// what the blocks below run.
     void SetVirtualInfo();
 
     /// Writes the document to a file. @return what `CKvlXmlWrite::writeXML` returned
@@ -63,6 +69,7 @@ public:
 
     // ---- Vendors and membership ----
 
+    /// Runs `lspci -mns`, as the next two do.
     /// @return true if the vendor of the physical interface behind this name is a target
     bool isTargetVendor(std::string ifname);
 
@@ -72,13 +79,15 @@ public:
     /// @return true if what is under this VLAN is a target, as a bond or as an interface
     bool isTargetVendorVlan(std::string ifname);
 
-    /// @return true if this interface is a slave of a bond
+    /// Runs `ls /proc/net/bonding`. @return true if this interface is a slave of a collected bond
     bool CheckTeamMember(std::string ifname);
 
-    /// @return true if a VLAN runs on this interface
+    /// Asks for the VLANs, which runs `cat /proc/net/vlan/config` the first time. @return true if one runs on this
+    /// interface
     bool CheckExistVlan(std::string ifname);
 
-    /// Appends a vlan_parameter with the parameter element "interface_name" for each VLAN on this interface.
+    /// Appends a vlan_parameter with the parameter element "interface_name" for each VLAN on this interface. Asks for
+    /// the VLANs likewise.
     void SetVlanParameters(std::string ifname, CKvlXmlNode& node);
 
     // ---- Blocks ----
@@ -86,21 +95,14 @@ public:
     /// Appends MTU and driver settings, without those groups that the collector has switched off.
     void SetXmlDriverParameters(std::string ifname, CKvlXmlNode& node);
 
-    /// Appends the addresses, gateways and DNS servers of an interface.
+    /// Appends the addresses, gateways and DNS servers of an interface. Runs `cat /etc/resolv.conf` and
+    /// `netstat -A inet6 -nr`.
     void SetXmlTcpIpParameters(std::string ifname, CKvlXmlNode& node);
 
     /// Appends name, mode, monitoring and members of a bond.
     void SetXmlTeamParameters(std::string ifname, CKvlXmlNode& node);
 
 private:
-    CKvlXmlNode physicalPort(const std::string& name, const EthtoolResult& ethtool, const IfconfigResult& ifconfig);
-    CKvlXmlNode generalInf(const EthtoolResult& ethtool, const IfconfigResult& ifconfig);
-    CKvlXmlNode versionInf(const EthtoolResult& ethtool, const IfconfigResult& ifconfig);
-    CKvlXmlNode teamPort(const std::string& name, const IfconfigResult& ifconfig);
-    CKvlXmlNode vlanPort(const std::string& name, const VlanConfig& vlan, const IfconfigResult& ifconfig);
-    CKvlXmlNode monitoring(const BondingConfig& bond);
-    CKvlXmlNode member(const SlaveInterface& slave, const BondingConfig& bond);
-
     std::list<std::string> m_targetVendorList;
     std::string m_moduleName;
     std::unique_ptr<CKvlXmlNode> m_pRootNode;

@@ -72,7 +72,7 @@ constexpr std::array<DriverParameter, 45> kDriverParameters = {{
 void CLanXmlWriter::SetXmlDriverParameters(std::string ifname, CKvlXmlNode& node) {
     const kvl::OperationTrace trace(m_moduleName,
                                     "void CLanXmlWriter::SetXmlDriverParameters(std::string, CKvlXmlNode&)");
-    trace.enter();
+    trace.enter();  // kept: without the name, and no line on leaving
     const IfconfigResult* ifconfig = m_pNetworkParameter->GetIfconfigData(ifname);
     AddXmlElement(node, "mtu", ifconfig != nullptr ? ifconfig->MTU : "");
     const EthtoolResult* found = m_pNetworkParameter->GetEthtoolData(ifname);

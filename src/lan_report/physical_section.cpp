@@ -24,6 +24,62 @@ constexpr std::array<IdColumn, 4> kIdColumns = {{
     {"Subsystem ID", 4},
 }};
 
+CKvlXmlNode generalInf(CLanXmlWriter& writer, CNetworkParameter& collector, const EthtoolResult& ethtool,
+                       const IfconfigResult& ifconfig) {
+    CKvlXmlNode node("general-inf");
+    writer.AddXmlElement(node, "PCI Bus/Dev/Func", ethtool.driver_info.businfo);
+    const std::string slot = kvl::cut(ethtool.driver_info.bus_info, kSlotStart, kSlotLength);
+    std::string ids;
+    collector.GetFourIds(slot, ids);
+    for (const IdColumn& row : kIdColumns) {
+        std::string id;
+        CTextFileParser::GetStrInFixedPosition(ids, row.column, id);
+        writer.AddXmlElementHex(node, row.name, id);
+    }
+    std::string description;
+    collector.GetDeviceDescription(slot, description);
+    writer.AddXmlElement(node, "description", description);
+    writer.AddXmlElement(node, "port_state", kvl::portState(ifconfig.up));
+    writer.AddXmlElement(node, "onboot", kvl::onboot(ifconfig.ONBOOT, kvl::kBlank));
+    writer.AddXmlElement(node, "mac_address", ifconfig.HWaddr);
+    writer.AddXmlElement(node, "physical_mac_address", ethtool.PhysicalMacAddr);
+    return node;
+}
+
+CKvlXmlNode versionInf(CLanXmlWriter& writer, const EthtoolResult& ethtool, const IfconfigResult& ifconfig) {
+    CKvlXmlNode node("version-inf");
+    writer.AddXmlElement(node, "OS Build Version", ifconfig.kernel_release);
+    writer.AddXmlElement(node, "Firmware Version", ethtool.driver_info.firmver);
+    writer.AddXmlElement(node, "Driver Version", ethtool.driver_info.version);
+    if (!ethtool.driver_info.utility.empty()) {
+        // kept: of several utilities only the first is reported.
+        const UtilityInfo& first = ethtool.driver_info.utility.front();
+        CKvlXmlNode utility("Utility");
+        writer.AddXmlElement(utility, "Utility Name", first.name);
+        writer.AddXmlElement(utility, "Utility Version", first.version);
+        node.addChildNode(utility);
+    }
+    return node;
+}
+
+CKvlXmlNode physicalPort(CLanXmlWriter& writer, CNetworkParameter& collector, const std::string& name,
+                         const EthtoolResult& ethtool, const IfconfigResult& ifconfig) {
+    CKvlXmlNode port("physical_port");
+    port.addAttribute("interface_name", name);
+    port.addChildNode(generalInf(writer, collector, ethtool, ifconfig));
+    port.addChildNode(versionInf(writer, ethtool, ifconfig));
+    CKvlXmlNode tcpIp("tcp_ip_parameter");
+    if (!writer.CheckExistVlan(name) && !writer.CheckTeamMember(name)) {
+        writer.SetXmlTcpIpParameters(name, tcpIp);
+    }
+    port.addChildNode(tcpIp);
+    writer.SetVlanParameters(name, port);
+    CKvlXmlNode driver("driver_parameter_lin");
+    writer.SetXmlDriverParameters(name, driver);
+    port.addChildNode(driver);
+    return port;
+}
+
 }  // namespace
 
 void CLanXmlWriter::SetPhysicalInfo() {
@@ -41,63 +97,8 @@ void CLanXmlWriter::SetPhysicalInfo() {
             trace.detail(kvl::kPortFailure, name.c_str());
             continue;
         }
-        physical.addChildNode(physicalPort(name, *ethtool, *ifconfig));
+        physical.addChildNode(physicalPort(*this, *m_pNetworkParameter, name, *ethtool, *ifconfig));
     }
     m_pRootNode->addChildNode(physical);
     trace.leave();
-}
-
-CKvlXmlNode CLanXmlWriter::physicalPort(const std::string& name, const EthtoolResult& ethtool,
-                                        const IfconfigResult& ifconfig) {
-    CKvlXmlNode port("physical_port");
-    port.addAttribute("interface_name", name);
-    port.addChildNode(generalInf(ethtool, ifconfig));
-    port.addChildNode(versionInf(ethtool, ifconfig));
-    CKvlXmlNode tcpIp("tcp_ip_parameter");
-    if (!CheckExistVlan(name) && !CheckTeamMember(name)) {
-        SetXmlTcpIpParameters(name, tcpIp);
-    }
-    port.addChildNode(tcpIp);
-    SetVlanParameters(name, port);
-    CKvlXmlNode driver("driver_parameter_lin");
-    SetXmlDriverParameters(name, driver);
-    port.addChildNode(driver);
-    return port;
-}
-
-CKvlXmlNode CLanXmlWriter::generalInf(const EthtoolResult& ethtool, const IfconfigResult& ifconfig) {
-    CKvlXmlNode node("general-inf");
-    AddXmlElement(node, "PCI Bus/Dev/Func", ethtool.driver_info.businfo);
-    const std::string slot = kvl::cut(ethtool.driver_info.bus_info, kSlotStart, kSlotLength);
-    std::string ids;
-    m_pNetworkParameter->GetFourIds(slot, ids);
-    for (const IdColumn& row : kIdColumns) {
-        std::string id;
-        CTextFileParser::GetStrInFixedPosition(ids, row.column, id);
-        AddXmlElementHex(node, row.name, id);
-    }
-    std::string description;
-    m_pNetworkParameter->GetDeviceDescription(slot, description);
-    AddXmlElement(node, "description", description);
-    AddXmlElement(node, "port_state", kvl::portState(ifconfig.up));
-    AddXmlElement(node, "onboot", kvl::onboot(ifconfig.ONBOOT, kvl::kBlank));
-    AddXmlElement(node, "mac_address", ifconfig.HWaddr);
-    AddXmlElement(node, "physical_mac_address", ethtool.PhysicalMacAddr);
-    return node;
-}
-
-CKvlXmlNode CLanXmlWriter::versionInf(const EthtoolResult& ethtool, const IfconfigResult& ifconfig) {
-    CKvlXmlNode node("version-inf");
-    AddXmlElement(node, "OS Build Version", ifconfig.kernel_release);
-    AddXmlElement(node, "Firmware Version", ethtool.driver_info.firmver);
-    AddXmlElement(node, "Driver Version", ethtool.driver_info.version);
-    if (!ethtool.driver_info.utility.empty()) {
-        // kept: of several utilities only the first is reported.
-        const UtilityInfo& first = ethtool.driver_info.utility.front();
-        CKvlXmlNode utility("Utility");
-        AddXmlElement(utility, "Utility Name", first.name);
-        AddXmlElement(utility, "Utility Version", first.version);
-        node.addChildNode(utility);
-    }
-    return node;
 }

@@ -43,7 +43,8 @@ public:
         }
     }
 
-    /// Appends those DNS servers whose address holds the mark of an address family.
+    /// Appends those DNS servers whose address holds the mark of an address family. kept: one with both marks is
+    /// written in both families, one with neither nowhere.
     void addDnsServers(const char* name, const strarray_t& nameservers, const char* mark) {
         for (const std::string& nameserver : nameservers) {
             if (kvl::holds(nameserver, mark)) {
@@ -70,7 +71,7 @@ void CLanXmlWriter::SetXmlTcpIpParameters(std::string ifname, CKvlXmlNode& node)
     strarray_t names;
     m_pNetworkParameter->GetInterfaceNameList(names);
     for (const std::string& name : names) {
-        if (kvl::holds(name, ifname + ":")) {
+        if (kvl::holds(name, ifname + ":")) {  // kept: anywhere in the name, so also an alias of a longer one
             block.addIpv4Address(m_pNetworkParameter->GetIfconfigData(name));
         }
     }
