@@ -277,12 +277,12 @@ TEST_F(CheckRAMDISK, CountsATitleBehindOtherCharactersThanLettersAndDigits) {
 }
 
 TEST_F(CheckRAMDISK, DoesNotCountATitleBehindALetterOrADigit) {
-    EXPECT_EQ(judge("default=0\n\tkernel /vmlinuz title=x\n0 title\nsubtitle\nZ title\ntitle one\ninitrd /" +
+    EXPECT_EQ(judge("default=0\n\tkernel /vmlinuz title=x\n0 title\n-xtitle\nZ title\ntitle one\ninitrd /" +
                     kInitramfs + "\n"),
               0);
     EXPECT_EQ(detailsTraced(),
               (Lines{"1 iDefault=0", "1 found title line(\tkernel /vmlinuz title=x)", "1 found title line(0 title)",
-                     "1 found title line(subtitle)", "1 found title line(Z title)", "1 found title line(title one)",
+                     "1 found title line(-xtitle)", "1 found title line(Z title)", "1 found title line(title one)",
                      "1 target title line(title one)", "1 found initrd line(initrd /" + kInitramfs + ")",
                      compared(kInitramfs)}));
 }
