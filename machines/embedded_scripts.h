@@ -9,6 +9,9 @@ extern const char* const kStandInScript;
 /// The script that lays a recording down onto a private root (machines/lay-down).
 extern const char* const kLayDownScript;
 
+/// The simulated adapter tool (machines/hbacmd).
+extern const char* const kAdapterToolScript;
+
 }  // namespace kvl::machines
 
 #endif

@@ -71,6 +71,7 @@ std::vector<LayoutFile> layoutFiles() {
         {"/etc/nsswitch.conf", 0644, "passwd: files\ngroup: files\nhosts: files\n"},
         {kStandInPath, 0755, kStandInScript},
         {kLayDownPath, 0755, kLayDownScript},
+        {kAdapterToolPath, 0755, kAdapterToolScript},
     };
 }
 

@@ -38,6 +38,8 @@ std::vector<LayoutFile> layoutFiles();
 constexpr const char* kStandInPath = "/.machine/stand-in";
 /// Where the script lies that lays a recording down.
 constexpr const char* kLayDownPath = "/.machine/lay-down";
+/// Where the simulated adapter tool lies; a server that has it installed has a link to it.
+constexpr const char* kAdapterToolPath = "/.machine/hbacmd";
 
 }  // namespace kvl::machines
 

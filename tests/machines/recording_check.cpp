@@ -6,46 +6,27 @@
 #include <set>
 #include <sstream>
 
+#include "tests/machines/adapter_check.h"
 #include "tests/machines/outside.h"
+#include "tests/machines/recording_text.h"
 
 namespace kvl::test {
 namespace {
 
-constexpr std::array<const char*, 8> kCommands = {"bin/uname/",   "sbin/ifconfig/", "usr/sbin/ethtool/", "sbin/route/",
-                                                  "bin/netstat/", "sbin/lspci/",    "bin/cat/",          "bin/ls/"};
+constexpr std::array<const char*, 10> kCommands = {"bin/uname/",   "sbin/ifconfig/", "usr/sbin/ethtool/", "sbin/route/",
+                                                   "bin/netstat/", "sbin/lspci/",    "sbin/modinfo/",     "bin/rpm/",
+                                                   "bin/cat/",     "bin/ls/"};
 
 // Every server has been asked these.
 constexpr std::array<const char*, 5> kQuestions = {"bin/uname/-r", "sbin/ifconfig/-a", "sbin/route/(none)",
                                                    "bin/netstat/-A inet6 -nr", "sbin/lspci/-m"};
 
-constexpr std::array<const char*, 3> kFilePlaces = {"etc/", "proc/net/bonding/", "proc/net/vlan/"};
-
-bool beginsWith(const std::string& text, const std::string& start) {
-    return text.rfind(start, 0) == 0;
-}
+constexpr std::array<const char*, 7> kFilePlaces = {
+    "boot/", "etc/", "opt/tarvenn/kvl/", "proc/net/bonding/", "proc/net/vlan/", "sys/firmware/efi/", "var/lib/hbacmd/"};
 
 template <std::size_t size>
 bool beginsWithOneOf(const std::string& text, const std::array<const char*, size>& starts) {
     return std::any_of(starts.begin(), starts.end(), [&](const char* start) { return beginsWith(text, start); });
-}
-
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-// What stands behind the key up to the end of that line.
-std::string valueBehind(const std::string& key, const std::string& text) {
-    const std::size_t at = text.find(key);
-    if (at == std::string::npos) {
-        return "";
-    }
-    const std::size_t start = at + key.size();
-    return text.substr(start, text.find('\n', start) - start);
 }
 
 bool namesAnEnding(const std::string& text) {
@@ -225,7 +206,11 @@ private:
 }  // namespace
 
 std::vector<std::string> faultsOf(const std::string& recording) {
-    return Check(recording).run();
+    std::vector<std::string> faults = Check(recording).run();
+    for (const std::string& fault : adapterFaultsOf(recording)) {
+        faults.push_back(fault);
+    }
+    return faults;
 }
 
 }  // namespace kvl::test

@@ -8,7 +8,7 @@ namespace kvl::test {
 
 /// What is wrong with the recording in this directory, one sentence each: entries of unknown commands, endings that are
 /// none, interfaces without their ethtool entries, cards that lspci does not know, slaves and VLANs without an
-/// interface, broken lines.
+/// interface, broken lines, and what adapterFaultsOf finds.
 std::vector<std::string> faultsOf(const std::string& recording);
 
 }  // namespace kvl::test

@@ -41,13 +41,15 @@ std::string parameterName(const testing::TestParamInfo<std::string>& info) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Machines, ShippedRecording,
-                         testing::Values("bond-modes", "debian-12-guest", "every-command-fails", "four-port",
-                                         "odd-names", "one-port", "sixty-four-port"),
+                         testing::Values("adapters-fc", "adapters-mixed", "adapters-none", "bond-modes",
+                                         "debian-12-guest", "every-command-fails", "four-port", "odd-names", "one-port",
+                                         "sixty-four-port"),
                          parameterName);
 
 TEST(ShippedRecordings, AreThoseThatAreChecked) {
-    EXPECT_THAT(machines::knownMachines(), ElementsAre("bond-modes", "debian-12-guest", "every-command-fails",
-                                                       "four-port", "odd-names", "one-port", "sixty-four-port"));
+    EXPECT_THAT(machines::knownMachines(),
+                ElementsAre("adapters-fc", "adapters-mixed", "adapters-none", "bond-modes", "debian-12-guest",
+                            "every-command-fails", "four-port", "odd-names", "one-port", "sixty-four-port"));
 }
 
 TEST(ShippedRecordings, HoldTheSurprisesOfTheirNames) {

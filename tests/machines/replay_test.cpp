@@ -118,7 +118,8 @@ TEST(FindRecording, LooksFirstWhereTheUserSays) {
 
 TEST(FindRecording, ListsTheKnownNamesForAnUnknownOne) {
     EXPECT_EQ(messageOf("five-port"),
-              "there is no recorded machine five-port. Known are: bond-modes, debian-12-guest, every-command-fails, "
+              "there is no recorded machine five-port. Known are: adapters-fc, adapters-mixed, adapters-none, "
+              "bond-modes, debian-12-guest, every-command-fails, "
               "four-port, odd-names, one-port, sixty-four-port");
     EXPECT_THAT(messageOf(""), HasSubstr("there is no recorded machine ."));
 }
