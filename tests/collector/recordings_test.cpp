@@ -166,5 +166,59 @@ TEST_F(Recordings, BondsOfManyModes) {
     EXPECT_EQ(bond("bond-of-the-lab").MiiStatus, 0);
 }
 
+TEST_F(Recordings, BondsThatBroadcastAndBalance) {
+    collect("bond-modes");
+    EXPECT_EQ(bond("bond4").Mode, "fault-tolerance (broadcast)");
+    EXPECT_EQ(bond("bond4").PrimarySlave, "");  // this mode and 802.3ad have no such line
+    EXPECT_EQ(slaves("bond4"), (Lines{"eth5 52:54:00:12:34:05"}));
+    EXPECT_EQ(bond("bond5").Mode, "transmit load balancing");
+    EXPECT_EQ(bond("bond5").PrimarySlave, "None");
+    EXPECT_EQ(slaves("bond5"), (Lines{"eth6 52:54:00:12:34:06", "eth7 52:54:00:12:34:07"}));
+    EXPECT_EQ(bond("bond6").Mode, "adaptive load balancing");
+    EXPECT_EQ(bond("bond6").PrimarySlave, "None");
+    EXPECT_EQ(slaves("bond6"), (Lines{"eth8 52:54:00:12:34:08", "eth9 52:54:00:12:34:09"}));
+    for (const char* name : {"bond4", "bond5", "bond6"}) {
+        EXPECT_EQ(bond(name).MiiStatus, 1) << name;
+        EXPECT_EQ(bond(name).pi, 100) << name;
+        EXPECT_EQ(bond(name).arp_pi, -1) << name;
+    }
+    // A slave of a balancing bond keeps its own address.
+    EXPECT_EQ(ifconfig("bond5").HWaddr, "52:54:00:12:34:06");
+    EXPECT_EQ(ifconfig("eth7").HWaddr, "52:54:00:12:34:07");
+    EXPECT_EQ(ifconfig("eth9").HWaddr, "52:54:00:12:34:09");
+}
+
+TEST_F(Recordings, ASlaveThatIsDown) {
+    collect("bond-modes");
+    EXPECT_FALSE(ifconfig("eth0").up);  // its flags begin with BROADCAST
+    EXPECT_FALSE(ifconfig("eth0").running);
+    EXPECT_TRUE(ifconfig("eth0").broadcast && ifconfig("eth0").multicast);
+    EXPECT_TRUE(ifconfig("bond0").up && ifconfig("bond0").running);
+    EXPECT_EQ(bond("bond0").MiiStatus, 1);  // the slave's own line says down
+    EXPECT_EQ(bond("bond0").PrimarySlave, "eth0");
+    EXPECT_EQ(slaves("bond0"), (Lines{"eth0 52:54:00:12:34:00", "eth1 52:54:00:12:34:01"}));
+}
+
+TEST_F(Recordings, AMachineWithoutRoutes) {
+    collect("bond-modes");  // what the command prints is the two lines of its heading
+    for (const std::string& name : names()) {
+        EXPECT_THAT(routes(collector->GetRouteData(name)), testing::IsEmpty()) << name;
+    }
+}
+
+TEST_F(Recordings, AMachineWithoutIpv6) {
+    collect("bond-modes");
+    for (const std::string& name : names()) {
+        EXPECT_THAT(ifconfig(name).inet6_addr, testing::IsEmpty()) << name;
+        EXPECT_EQ(ifconfig(name).Scope, "") << name;
+    }
+    forget();
+    EXPECT_THAT(routes(collector->GetRouteDataV6("eth4")), testing::IsEmpty());
+    EXPECT_EQ(TestHost::trace(), (Lines{enter("std::list<RouteConfig, std::allocator<RouteConfig> > "
+                                              "CNetworkParameter::GetRouteDataV6(std::string)")} +
+                                  failed("/bin/netstat -A inet6 -nr") + Lines{"32 ** Not IPv6 Protocol **"}));
+    EXPECT_EQ(contentOf(resultFile("netstat")), "(absent)");  // though the command printed a line
+}
+
 }  // namespace
 }  // namespace kvl::test

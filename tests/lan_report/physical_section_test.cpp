@@ -8,6 +8,18 @@ Lines description(const std::string& location, const std::string& text) {
            Lines{leave(kGetDescription, " " + text)};
 }
 
+/// eth0 of vendor 8086, the target, up to its addresses.
+Lines eth0Identified() {
+    return physicalDev("eth0") + targetVendor("eth0", {"eth0"}, "03:00.0", "8086", "8086") +
+           fourIds("03:00.0", "8086 10c9 8086 a03c") + description("03:00.0", "Maker of 8086 Network card");
+}
+
+/// eth1 of another vendor, and the end of the section.
+Lines eth1PassedOver() {
+    return physicalDev("eth1") + targetVendor("eth1", {"eth0", "eth1"}, "04:00.0", "14e4", "8086") + physicalDev("-") +
+           Lines{leave(kPhysicalSection)};
+}
+
 class PhysicalSection : public WriterTest {
 protected:
     void SetUp() override {
@@ -56,15 +68,11 @@ TEST_F(PhysicalSection, ReportsAPortOfATargetVendorWhole) {
     EXPECT_EQ(section(), element("Physical", element(named("physical_port", "eth0"),
                                                      generalInf + versionInf + plainTcpIpNode() +
                                                          element("driver_parameter_lin", value("mtu", "1500")))));
-    EXPECT_EQ(
-        TestHost::trace(),
-        (Lines{enter(kPhysicalSection)} + physicalDev("eth0") +
-         targetVendor("eth0", {"eth0"}, "03:00.0", "8086", "8086") + fourIds("03:00.0", "8086 10c9 8086 a03c") +
-         description("03:00.0", "Maker of 8086 Network card") + vlansWithoutACommand() +
-         Lines{enter(kCheckTeamMember, " eth0")} + noBonds() + Lines{leave(kCheckTeamMember, " Not team member")} +
-         plainTcpIpBlock("eth0", {"eth0", "eth1"}) + vlansWithoutACommand() + Lines{enter(kDriverBlock)} +
-         physicalDev("eth1") + targetVendor("eth1", {"eth0", "eth1"}, "04:00.0", "14e4", "8086") + physicalDev("-") +
-         Lines{leave(kPhysicalSection)}));
+    EXPECT_EQ(TestHost::trace(),
+              (Lines{enter(kPhysicalSection)} + eth0Identified() + vlansWithoutACommand() +
+               Lines{enter(kCheckTeamMember, " eth0")} + noBonds() +
+               Lines{leave(kCheckTeamMember, " Not team member")} + plainTcpIpBlock("eth0", {"eth0", "eth1"}) +
+               vlansWithoutACommand() + Lines{enter(kDriverBlock)} + eth1PassedOver()));
 }
 
 TEST_F(PhysicalSection, IsEmptyOnAMachineWithoutAPhysicalInterface) {
@@ -163,6 +171,30 @@ TEST_F(PhysicalSection, LeavesOutAnIdThatTheCardDoesNotHave) {
         EXPECT_THAT(section(), testing::HasSubstr(
                                    indented(indented(indented(value("PCI Bus/Dev/Func", "3/0/0") + row.elements +
                                                               value("description", "Maker of 8086 Network card"))))));
+    }
+}
+
+TEST_F(PhysicalSection, MovesTheIdsBehindAnEmptyOneUp) {
+    layTwoPorts();
+    const struct {
+        std::string fields;
+        std::string elements;
+    } rows[] = {
+        {"\"8086\" \"10c9\" -r01 \"\" \"a03c\"",
+         value("Vendor ID", "0x8086") + value("Device ID", "0x10c9") + value("Subsystem Vendor ID", "0xa03c")},
+        {"\"8086\" \"\" -r01 \"15d9\" \"a03c\"",
+         value("Vendor ID", "0x8086") + value("Device ID", "0x15d9") + value("Subsystem Vendor ID", "0xa03c")},
+        // The text of the ids begins with a blank: the first column is empty, the second one is the second word.
+        {"\"\" \"10c9\" -r01 \"15d9\" \"a03c\"", value("Device ID", "0x15d9") + value("Subsystem Vendor ID", "0xa03c")},
+        {"\"\" \"10c9\"", ""},
+    };
+    for (const auto& row : rows) {
+        machine.command("/sbin/lspci -mns 03:00.0", "03:00.0 \"0200\" " + row.fields + "\n");
+        collect({"8086", ""});
+        EXPECT_THAT(section(), testing::HasSubstr(
+                                   indented(indented(indented(value("PCI Bus/Dev/Func", "3/0/0") + row.elements +
+                                                              value("description", "Maker of 8086 Network card"))))))
+            << row.fields;
     }
 }
 
@@ -301,9 +333,10 @@ TEST_F(PhysicalSection, LeavesTheAddressesOfATeamMemberToTheTeam) {
     EXPECT_EQ(nodesOf(section(), "tcp_ip_parameter"), (Lines{element("tcp_ip_parameter")}));
     EXPECT_EQ(nodesOf(report(), "driver_parameter_lin"),
               (Lines{element("driver_parameter_lin", value("mtu", "1500"))}));
-    const Lines trace = writerTrace();
-    EXPECT_THAT(trace, testing::Contains(leave(kCheckTeamMember, " Team member")));
-    EXPECT_THAT(trace, testing::Not(testing::Contains(enter(kTcpIpBlock, " eth0"))));
+    EXPECT_EQ(TestHost::trace(), (Lines{enter(kPhysicalSection)} + eth0Identified() + vlansWithoutACommand() +
+                                  Lines{enter(kCheckTeamMember, " eth0")} + bondingIfList({"bond0"}) +
+                                  Lines{leave(kCheckTeamMember, " Team member")} + vlansWithoutACommand() +
+                                  Lines{enter(kDriverBlock)} + eth1PassedOver()));
 }
 
 TEST_F(PhysicalSection, LeavesTheAddressesOfAPortUnderAVlanToTheVlan) {
@@ -328,7 +361,8 @@ TEST_F(PhysicalSection, DoesNotAskForTheTeamsOfAPortUnderAVlan) {
     section();
     EXPECT_EQ(commandsTraced(), (Lines{"/sbin/lspci -mns 03:00.0", "/sbin/lspci -mns 03:00.0",
                                        "/sbin/lspci -m | grep 03:00.0", "/sbin/lspci -mns 04:00.0"}));
-    EXPECT_THAT(writerTrace(), testing::Not(testing::Contains(enter(kCheckTeamMember, " eth0"))));
+    EXPECT_EQ(TestHost::trace(), (Lines{enter(kPhysicalSection)} + eth0Identified() + vlansWithoutACommand() +
+                                  vlansWithoutACommand() + Lines{enter(kDriverBlock)} + eth1PassedOver()));
 }
 
 TEST_F(PhysicalSection, AsksForTheTeamsOfAPortWithoutAVlan) {

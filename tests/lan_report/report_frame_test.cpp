@@ -17,7 +17,87 @@ protected:
     /// A document whose root is the test's node with this content.
     static std::string withContent(const std::string& content) { return document(element("node", content)); }
 
+    static void writeSections(CLanXmlWriter& to) {
+        to.SetCommonInfo();
+        to.SetPhysicalInfo();
+        to.SetTeamInfo();
+        to.SetVirtualInfo();
+    }
+
     CKvlXmlNode node{"node"};
+};
+
+/// A machine of which interfaces and bonds were collected and nothing else: driver data are collected when a section
+/// first asks for them, VLANs too, and routes never. Of the ethtool groups only the pause settings are wanted.
+class SectionOnDemand : public WriterTest {
+protected:
+    void SetUp() override {
+        WriterTest::SetUp();
+        layTwoPorts();
+        layBondPort("bond0", {"eth0"});
+        layVlanPort("eth1.5", "5", "eth1");
+        for (const char* ifname : {"eth0", "eth1"}) {
+            machine.command(std::string("/usr/sbin/ethtool -a ") + ifname, "Autonegotiate: on\nRX: off\nTX: on\n");
+        }
+        machine.command("/usr/sbin/ethtool -a eth1.5", "", {1});
+        machine.command("/sbin/route", "default 10.0.0.1 0.0.0.0 UG 0 0 0 eth1.5\n");
+        for (const int option : {0, 2, 3, 4}) {
+            collector->DisableEthtoolOption(option);
+        }
+        EXPECT_TRUE(collector->GetNetworkConfigurations());
+        EXPECT_TRUE(collector->GetBondingConfifurations());
+        writer = std::make_unique<CLanXmlWriter>(std::list<std::string>{"8086", "14e4"}, collector.get(), kModule);
+        forget();
+    }
+
+    static Lines cardCommands(const std::string& location) {
+        return {"/sbin/lspci -mns " + location, "/sbin/lspci -mns " + location, "/sbin/lspci -m | grep " + location};
+    }
+
+    static std::string physicalPort(const std::string& ifname, const std::string& pci, const std::string& vendor,
+                                    const std::string& vlans) {
+        const std::string generalInf = element(
+            "general-inf",
+            value("PCI Bus/Dev/Func", pci) + value("Vendor ID", "0x" + vendor) + value("Device ID", "0x10c9") +
+                value("Subsystem Vendor ID", "0x" + vendor) + value("Subsystem ID", "0xa03c") +
+                value("description", "Maker of " + vendor + " Network card") + value("port_state", "Enabled") +
+                value("onboot", " ") + value("mac_address", "00:00:00:00:00:01") + value("physical_mac_address", ""));
+        const std::string versionInf =
+            element("version-inf", value("OS Build Version", kKernelRelease) + value("Firmware Version", "1.7") +
+                                       value("Driver Version", "4.0"));
+        const std::string driver = element(
+            "driver_parameter_lin", value("mtu", "1500") + value("Pause parameters Autonegotiate", "on") +
+                                        value("Pause parameters RX", "off") + value("Pause parameters TX", "on"));
+        return element(named("physical_port", ifname),
+                       generalInf + versionInf + element("tcp_ip_parameter") + vlans + driver);
+    }
+
+    const Lines driverCommands = {"/usr/sbin/ethtool -i bond0", "/usr/sbin/ethtool -i eth0",
+                                  "/usr/sbin/ethtool -a eth0",  "/usr/sbin/ethtool -i eth1",
+                                  "/usr/sbin/ethtool -a eth1",  "/usr/sbin/ethtool -i eth1.5",
+                                  "/usr/sbin/ethtool -a eth1.5"};
+    const Lines addressCommands = {kReadResolvConf, kReadIpv6Routes};
+    const std::string readVlans = "/bin/cat /proc/net/vlan/config";
+    const std::string physical = element(
+        "Physical",
+        physicalPort("eth0", "3/0/0", "8086", "") +
+            physicalPort("eth1", "4/0/0", "14e4", element("vlan_parameter", value("interface_name", "eth1.5"))));
+    const std::string team = element(
+        "Team",
+        element(named("team_port", "bond0"),
+                value("port_state", "Enabled") + value("onboot", "") + value("mac_address", "00:00:00:00:00:01") +
+                    element("team_parameter",
+                            value("team_name", "bond0") + value("team_type", "load balancing (round-robin)") +
+                                value("monitor_mode", "mii") +
+                                element("mii", value("miimon", "100 ms") + value("downdelay", "-1 ms") +
+                                                   value("updelay", "-1 ms")) +
+                                element("member", value("interface_name", "eth0") + value("PCI Bus/Dev/Func", "3/0/0") +
+                                                      value("mac_address", "ETH0"))) +
+                    plainTcpIpNode()));
+    const std::string vlan = element(
+        "VLAN", element(named("vlan_port", "eth1.5"),
+                        value("vlan_name", "eth1.5") + value("vlan_id", "5") + value("port_state", "Enabled") +
+                            value("onboot", " ") + value("mac_address", "00:00:00:00:00:01") + plainTcpIpNode()));
 };
 
 using ParameterElement = ReportFrame;
@@ -29,10 +109,11 @@ using GetNicNode = ReportFrame;
 
 TEST_F(ReportFrame, MakesAnEmptyRootAndNeitherTracesNorAsks) {
     forget();
-    const CLanXmlWriter made({"8086"}, collector.get(), kModule);
+    CLanXmlWriter made({"8086"}, collector.get(), kModule);
     EXPECT_THAT(TestHost::trace(), testing::IsEmpty());
     EXPECT_THAT(machine.commandsRun(), testing::IsEmpty());
-    EXPECT_EQ(report(), document(element("data")));
+    EXPECT_TRUE(made.Write("/tmp/made.xml"));
+    EXPECT_EQ(contentOf("/tmp/made.xml"), document(element("data")));
 }
 
 TEST_F(ReportFrame, KeepsACopyOfTheVendorList) {
@@ -43,13 +124,31 @@ TEST_F(ReportFrame, KeepsACopyOfTheVendorList) {
     EXPECT_TRUE(writer->isTargetVendor("eth0"));
 }
 
-TEST_F(ReportFrame, TracesUnderItsOwnModuleName) {
-    layInterface("eth0");
+TEST_F(ReportFrame, TracesUnderItsOwnModuleNameAndTheCollectorUnderItsOwn) {
+    allowedModules = {kModule, "writer-module"};
+    layTwoPorts();
+    layBondPort("bond0", {"eth0"});
+    layBond("bond1", {"eth1"});  // a failure: it has no interface
+    layBond("bond2", {});        // no target
+    layVlan("eth1.7", "7", "eth1");
+    layVlanPort("eth1.5", "5", "eth1");
     collect();
-    CLanXmlWriter other({}, collector.get(), "writer-module");
-    other.SetXmlDriverParameters("eth0", node);
-    EXPECT_EQ(TestHost::modules(), (Lines{"writer-module"}));
-    forget();
+    CLanXmlWriter other({"8086", "14e4"}, collector.get(), "writer-module");
+    writeSections(other);
+    Lines expected;
+    for (const std::string& line : TestHost::trace()) {
+        const bool ofWriter = line.find("CLanXmlWriter::") != std::string::npos;
+        expected.push_back((ofWriter ? "writer-module " : "test-module ") + line);
+    }
+    EXPECT_EQ(TestHost::moduleTrace(), expected);
+    for (const std::string& line :
+         {enter(kPhysicalSection), enter(kTeamSection), enter(kVlanSection), enter(kIsTarget, " eth0"),
+          enter(kIsTargetTeam, " bond0"), enter(kIsTargetVlan, " eth1.5"), leave(kCheckTeamMember, " Team member"),
+          leave(kTcpIpBlock), enter(kDriverBlock), detail(kTeamSection, "** bond2 is not target vendor **"),
+          detail(kTeamSection, "** (bond1) Network configuration failure! **"),
+          detail(kVlanSection, "** (eth1.7) Network configuration failure! **")}) {
+        EXPECT_THAT(writerTrace(), testing::Contains(line));
+    }
 }
 
 TEST_F(ReportFrame, DestructorIsVirtualAndTracesNothing) {
@@ -73,10 +172,7 @@ TEST_F(ReportFrame, AppendsSectionsInTheOrderOfTheCalls) {
 
 TEST_F(ReportFrame, AppendsASecondSectionAtASecondCall) {
     for (int call = 0; call < 2; ++call) {
-        writer->SetCommonInfo();
-        writer->SetPhysicalInfo();
-        writer->SetTeamInfo();
-        writer->SetVirtualInfo();
+        writeSections(*writer);
     }
     const std::string sections = element("Common") + element("Physical") + element("Team") + element("VLAN");
     EXPECT_EQ(report(), document(element("data", sections + sections)));
@@ -87,10 +183,7 @@ TEST_F(ReportFrame, AppendsEverySectionThoughNoQuestionIsAnswered) {
     machine.file("/etc/resolv.conf", "search example.com\n");
     layBond("bond0", {"eth0"});
     layVlan("eth0.100", "100", "eth0");
-    writer->SetCommonInfo();
-    writer->SetPhysicalInfo();
-    writer->SetTeamInfo();
-    writer->SetVirtualInfo();
+    writeSections(*writer);
     EXPECT_EQ(report(),
               document(element("data", element("Common") + element("Physical") + element("Team") + element("VLAN"))));
 }
@@ -101,10 +194,7 @@ TEST_F(ReportFrame, MatchesNoInterfaceWithAnEmptyVendorList) {
     layBondPort("bond0", {"eth0"});
     layVlanPort("eth1.100", "100", "eth1");
     collect({});
-    writer->SetCommonInfo();
-    writer->SetPhysicalInfo();
-    writer->SetTeamInfo();
-    writer->SetVirtualInfo();
+    writeSections(*writer);
     EXPECT_EQ(report(), document(element("data", element("Common", value("dns_suffix", "example.com")) +
                                                      element("Physical") + element("Team") + element("VLAN"))));
 }
@@ -116,6 +206,39 @@ TEST_F(ReportFrame, ReadsTheCollectorAtTheTimeOfTheCall) {
     ifconfig("eth0").HWaddr = "later";
     writer->SetPhysicalInfo();
     EXPECT_EQ(valuesOf(report(), "mac_address"), (Lines{"00:00:00:00:00:01", "later"}));
+}
+
+// ---- Sections on two collections alone ----
+
+TEST_F(SectionOnDemand, PhysicalCollectsDriverDataAndVlans) {
+    writer->SetPhysicalInfo();
+    EXPECT_EQ(report(), document(element("data", physical)));
+    EXPECT_EQ(commandsTraced(),
+              (driverCommands + cardCommands("03:00.0") + Lines{readVlans, kListBonds} + cardCommands("04:00.0")));
+}
+
+TEST_F(SectionOnDemand, TeamCollectsDriverDataAndVlans) {
+    writer->SetTeamInfo();
+    EXPECT_EQ(report(), document(element("data", team)));
+    EXPECT_EQ(commandsTraced(),
+              (Lines{kListBonds} + driverCommands + Lines{"/sbin/lspci -mns 03:00.0", readVlans} + addressCommands));
+}
+
+TEST_F(SectionOnDemand, VlanCollectsDriverDataAndVlans) {
+    writer->SetVirtualInfo();
+    EXPECT_EQ(report(), document(element("data", vlan)));
+    EXPECT_EQ(commandsTraced(),
+              (Lines{readVlans} + driverCommands + Lines{"/sbin/lspci -mns 04:00.0"} + addressCommands));
+}
+
+TEST_F(SectionOnDemand, AllTogetherCollectThemOnce) {
+    writer->SetPhysicalInfo();
+    writer->SetTeamInfo();
+    writer->SetVirtualInfo();
+    EXPECT_EQ(report(), document(element("data", physical + team + vlan)));
+    EXPECT_EQ(commandsTraced(), (driverCommands + cardCommands("03:00.0") + Lines{readVlans, kListBonds} +
+                                 cardCommands("04:00.0") + Lines{kListBonds, "/sbin/lspci -mns 03:00.0"} +
+                                 addressCommands + Lines{"/sbin/lspci -mns 04:00.0"} + addressCommands));
 }
 
 // ---- Parameter elements ----
