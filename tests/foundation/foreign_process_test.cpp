@@ -139,6 +139,7 @@ TEST_F(POpenForeignModule, GivesUpAfterTheFifthPipe) {
 TEST_F(POpenForeignModule, ClosesBothEndsWhereItCannotFork) {
     libc().failingForks = 1;
     EXPECT_EQ(run("echo never"), 1U);
+    EXPECT_EQ(exitCode, 255U);
     EXPECT_EQ(pipeFd, -7);
 }
 
@@ -377,6 +378,54 @@ TEST_F(RetryDeleteFile, TakesAFileThatCannotBeReadAsAbsent) {
     EXPECT_TRUE(CCommon_Information::RetryDeleteFile("/tmp/closed"));
     EXPECT_THAT(TestHost::deletions(), testing::IsEmpty());
     EXPECT_EQ(access("/tmp/closed", F_OK), 0);
+}
+
+TEST_F(RetryDeleteFile, IsFalseForAFileThatIsThereAgainBehindItsDeletion) {
+    machine.file("/tmp/file", "old");
+    TestHost::onDeletion([this](const char* path) { machine.file(path, "new"); });
+    EXPECT_FALSE(CCommon_Information::RetryDeleteFile("/tmp/file"));
+    EXPECT_EQ(TestHost::deletions(), (Lines{"/tmp/file"}));
+    EXPECT_THAT(TestHost::sleeps(), testing::IsEmpty());
+}
+
+TEST_F(POpenForeignModule, HandsItsPipeToTheChildOnceAlone) {
+    EXPECT_EQ(run("exec ls -l /proc/self/fd/"), 0U);
+    const std::string output = takeOutput();
+    const auto start = output.find("1 -> pipe:[");
+    ASSERT_NE(start, std::string::npos) << output;
+    const std::string pipe = output.substr(start + 5, output.find(']', start) - start - 4);
+    EXPECT_EQ(output.find(pipe), output.rfind(pipe)) << output;
+}
+
+TEST_F(GetResultLine, WorksAlsoWithStandardDescriptorsClosed) {
+    for (int closed = 1; closed < 8; ++closed) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            for (int descriptor = 0; descriptor < 3; ++descriptor) {
+                if ((closed & (1 << descriptor)) != 0) {
+                    close(descriptor);
+                }
+            }
+            const std::size_t before = namesIn("/proc/self/fd").size();
+            const bool good = CCommon_Information::GetResultLine("echo through") == "through" &&
+                              CCommon_Information::GetResultLine("echo text; exit 1").empty() &&
+                              namesIn("/proc/self/fd").size() == before;
+            _exit(good ? 0 : 1);
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0) << "descriptors closed: " << closed;
+    }
+}
+
+TEST_F(ForeignProcess, TracesNothing) {
+    run("exit 3");
+    close(pipeFd);
+    run("");
+    CCommon_Information::GetResultLine("echo text; kill -9 $$");
+    CCommon_Information::GetResultLine("echo text");
+    CCommon_Information::RetryDeleteFile("/tmp/absent");
+    EXPECT_THAT(TestHost::trace(), testing::IsEmpty());
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ Lines moduleOfLine;
 Lines messages;
 std::vector<unsigned long> sleptMilliseconds;
 Lines deletedPaths;
+std::function<void(const char*)> deletionCall;
 std::function<void()> sleepCall;
 std::function<void(const std::string&)> traceCall;
 
@@ -58,6 +59,7 @@ void TestHost::forget() {
     messages.clear();
     sleptMilliseconds.clear();
     deletedPaths.clear();
+    deletionCall = nullptr;
     sleepCall = nullptr;
     traceCall = nullptr;
 }
@@ -92,6 +94,9 @@ std::vector<unsigned long> TestHost::sleeps() {
     return sleptMilliseconds;
 }
 
+void TestHost::onDeletion(std::function<void(const char*)> call) {
+    deletionCall = std::move(call);
+}
 Lines TestHost::deletions() {
     return deletedPaths;
 }
@@ -138,7 +143,11 @@ void CTraceUtility::WriteTrace(const char* module, const char* messageId, ...) {
 
 int DeleteFileA(const char* path) {
     kvl::test::deletedPaths.emplace_back(path);
-    return unlink(path) == 0 ? 1 : 0;
+    const int result = unlink(path) == 0 ? 1 : 0;
+    if (kvl::test::deletionCall) {
+        kvl::test::deletionCall(path);
+    }
+    return result;
 }
 
 void Sleep(unsigned long milliseconds) {

@@ -1,0 +1,199 @@
+#ifndef KVL_ADAPTER_CEMULEXCOMMON_H
+#define KVL_ADAPTER_CEMULEXCOMMON_H
+
+#include <cstdint>
+#include <list>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "host/CNecessaryComponentInfo.h"
+
+/// The module of an adapter whose version is meant.
+enum EMULEX_MODULE_KIND : int {
+    EMULEX_MODULE_FIRMWARE = 0,      ///< Adapter firmware.
+    EMULEX_MODULE_DRIVER = 1,        ///< Adapter driver.
+    EMULEX_MODULE_OCM = 2,           ///< The management tool.
+    EMULEX_MODULE_UNVERSIONED = 3,   ///< A module without an operating version.
+    EMULEX_MODULE_BOOT_BIOS = 4,     ///< Boot code. Its versions are never compared.
+    EMULEX_MODULE_COMPARE_ONLY = 5,  ///< Known to the comparison only.
+};
+
+/// Makes a device identifier fit for a file name. @return `DeviceID` with "_" for each "/"
+std::string CONVERT_DEVID(std::string DeviceID);
+
+/// The procedures for Emulex adapters. All operations are static and block the caller's thread. Nothing is locked but
+/// the search of `LatestFile`: two procedures must not run at once, in one process or in two.
+///
+/// An operation that reports failure leaves the cause in the last error; error_codes.h lists the codes. Nothing
+/// clears it, so after a success it still holds an earlier failure.
+///
+/// `moduleName` goes first into every trace line. It also selects the adapter family: "cna", or FC for any other text.
+/// A few rules hold for the text "fc" alone, where they say so.
+///
+/// The working tree lies in tmp/EMULEX below the install directory. `hbacmd` is the management tool at
+/// /usr/sbin/ocmanager/hbacmd. What it reports is read line by line; a line of more than 255 characters counts as
+/// several.
+class CEmulexCommon {
+public:
+    // ---- Last error ----
+
+    static std::uint32_t m_dwLastError;  ///< The last error; 0 when the library is loaded.
+
+    /// Stores a code as the last error.
+    static void SetLastError(unsigned long code);
+
+    /// @return the last error
+    static unsigned long GetLastError();
+
+    /// @return the last error in lower-case hexadecimal; "no errcode" above 38
+    static std::string GetLastErrorToChractor();
+
+    /// @return the C library's text for the current `errno`, which the last error has no part in
+    static std::string GetLastErrorExplanation();
+
+    // ---- Tool and working tree ----
+
+    /// Finds no folder on this system.
+    /// @param path  stays as it is
+    /// @return true; false for a null `path` (code 1)
+    static bool GetProgramFilesFolder_(std::string* path, std::string moduleName);
+
+    /// Looks for `hbacmd`.
+    /// @param path  receives its path; untouched on failure
+    /// @return true if it is installed; codes 1 for a null `path`, 11
+    static bool GetOCMManagerInstallPath(std::string* path, std::string moduleName);
+
+    /// @return the components that are missing, which can only be "One Command Manager" (code 11)
+    static std::list<CNecessaryComponentInfo> NecessaryComponentCheck(std::string moduleName);
+
+    /// Makes the working tree: cache and temp, each with FC and CNA.
+    /// @return false at the first directory that can't be made (codes 18 below cache, 19 below temp); those before it
+    ///         stay
+    static bool CreateLocalDirectory();
+
+    /// Runs a command line through the shell, without the double quotes in it. If " > " stands in the line, all that
+    /// follows is the name of the result file, and output is waited for: up to ten looks, a second apart.
+    /// @return 0 on success; -1 if the command exits with another status than 0 or leaves an empty result file; for a
+    ///         line without " > " that a signal ended, what `system` gave. No code is set
+    static int ExecCommand_(std::string command, std::string moduleName);
+
+    // ---- Report files ----
+
+    /// Reads the value behind a key: the first line that holds one of the keys, and behind it the separator and
+    /// something that is no blank.
+    /// @param keys       alternatives, "|" between them: the first of them that stands in a line counts for that line
+    /// @param separator  searched from the start of the key
+    /// @param result     receives the key as it stands in `keys` and the value, without blanks around it; both empty
+    ///                   if there is none
+    /// @param count      how many lines that hold a key are passed over first
+    /// @return false if the file can't be opened (code 17)
+    static bool GetKeyValueFromFile_(std::string file, std::string keys, std::string separator,
+                                     std::pair<std::string, std::string>& result, std::string moduleName,
+                                     unsigned int count);
+
+    /// Reads the value behind a key in the lines that follow a line with one of the tags. The file is read to its end:
+    /// once there is a value, each further line with a tag has the one line behind it looked at, and a value there
+    /// takes the place of the earlier one.
+    /// @param tags   alternatives, "|" between them. Each that stands in a line starts a search behind that line
+    /// @param count  how many lines with a tag are passed over first
+    /// @return false if the file can't be opened (code 17); the other arguments are those of `GetKeyValueFromFile_`
+    static bool GetTagKeyValueFromFile_(std::string file, std::string tags, std::string keys, std::string separator,
+                                        std::pair<std::string, std::string>& result, std::string moduleName,
+                                        unsigned int count);
+
+    /// Tells whether a dump file describes a port, by its line "Port WWPN/MAC: " (CNA) or "Port WWN: " (FC).
+    /// @param id  the port's address, spelled as in the file
+    /// @return false if there is no such line, or the file can't be opened (code 17)
+    static bool CheckDumpFileKeyWord_(std::string file, std::string id, std::string moduleName);
+
+    /// Looks for the file of a directory that was modified last, by /bin/ls into temp/fsresult of the working tree.
+    /// @param pattern  expanded by the shell, as `directory` is
+    /// @return its path; of files of one time the one that is listed first; empty if nothing matches. No code is set
+    static std::string LatestFile(std::string directory, std::string pattern, std::string moduleName);
+
+    // ---- Device catalogue: CnaVCFac.ini and FcVCFac.ini in the install directory ----
+
+    /// Lists the supported device numbers. The lists are appended to.
+    /// @param iniFile  selects the catalogue by the name that stands anywhere in it, CnaVCFac.ini looked for first;
+    ///                 the file in the install directory is read. Without either name nothing is listed
+    /// @param list0    CNA: numbers that end in 0; the three lists are untouched by the FC catalogue
+    /// @param list2    CNA: numbers that end in 2
+    /// @param list4    CNA: numbers that end in 4
+    /// @param fcList   FC: whole device fields, their prefix included; untouched by the CNA catalogue
+    /// @return true
+    static bool GetDeviceIdList(std::string iniFile, std::list<std::string>* list0, std::list<std::string>* list2,
+                                std::list<std::string>* list4, std::list<std::string>* fcList, std::string moduleName);
+
+    /// Lists the supported devices as hardware identifiers, as in PCI\VEN_10DF&DEV_F100. The lists are appended to.
+    /// @param iniFile  as above
+    /// @param list0    CNA: devices whose number ends in 0
+    /// @param list2    never used
+    /// @param list4    never used
+    /// @param fcList   FC: all devices
+    /// @return true
+    static bool GetVenDevIdList(std::string iniFile, std::list<std::string>* list0, std::list<std::string>* list2,
+                                std::list<std::string>* list4, std::list<std::string>* fcList, std::string moduleName);
+
+    /// Lists the vendor numbers of the CNA catalogue, once for each entry.
+    /// @param list  appended to
+    /// @return true
+    static bool GetVenderIdList(std::list<std::string>* list, std::string moduleName);
+
+    // ---- Adapter list: the output of `hbacmd listhbas` in temp/Listhbas.txt of the working tree ----
+
+    /// Reads one record a port, with up to six keys: "Port WWN" or "Permanent MAC", "Port Number", "PCI Bus Number",
+    /// "PCI Function", "Port Type" and "Serial No.". The nth occurrence of a key belongs to the nth port, so a port
+    /// that lacks one takes that of the next. The caller has run `hbacmd listhbas`; the file is read six times a port.
+    /// @param list  emptied first; on failure it keeps the records made so far
+    /// @return true with at least one record; codes 1 for a null `list`, 15 for none, 17
+    static bool GetHBAInfoList(std::list<std::map<std::string, std::string>>* list, std::string moduleName);
+
+    /// Finds the port at a PCI location, of which `hbacmd` counts two functions a device, or eight on a bus where it
+    /// shows a function above 7.
+    /// @param DeviceID  bus:device.function-rest, in hexadecimal
+    /// @param info      emptied first; receives the record
+    /// @return false if there is none: codes 1 for a null `info`, 13 for a wrong `DeviceID`, 14, 15 and 17
+    /// @throws std::out_of_range "basic_string::substr" for a bus or function line of under 17 characters
+    static bool GetHBAInfo(std::string DeviceID, std::map<std::string, std::string>* info, std::string moduleName);
+
+    // ---- Versions ----
+
+    /// Tells the version that runs now. It is read from a dump of the adapter in the cache, which `hbacmd` makes if
+    /// there is none, in up to three tries with a second between.
+    /// @param DeviceID      as for `GetHBAInfo`; names the cached dump too
+    /// @param version       receives the version: empty for EMULEX_MODULE_UNVERSIONED; for the firmware of "fc" without
+    ///                      a text in parentheses; untouched on failure
+    /// @param forceRefresh  has a new dump made
+    /// @return false on failure: codes 1 for a null `version`, 5 to 9, 11, those of `GetHBAInfo`, or none if `hbacmd`
+    ///         itself failed
+    static bool GetOperatingVersion(std::string DeviceID, EMULEX_MODULE_KIND kind, std::string* version,
+                                    bool forceRefresh, std::string moduleName);
+
+    /// Clears up after an update that left its marker, UpdateProceeding.txt: deletes the marker. The cached dumps
+    /// survive.
+    /// @param directory  where the marker is
+    /// @return false if the marker can't be deleted (code 1); true also without one, with code 17
+    static bool DelOperatingVersion_(std::string directory, std::string moduleName);
+
+    /// Compares two versions: of two fields for the firmware of "fc", as in 2.72a2, and of four numbers, with a tail
+    /// behind the last, for all others. Nothing is looked up. Code 38 marks a difference, but one of the letters in
+    /// the middle of a two-field version.
+    /// @param kind  EMULEX_MODULE_BOOT_BIOS and unknown kinds aren't compared
+    /// @return positive if `version2` is the newer, negative if it is the older; 0 if they are equal or not compared,
+    ///         or if one has the wrong form (code 30, and an operator message)
+    static int CheckVendorVersion(std::string version1, std::string version2, EMULEX_MODULE_KIND kind,
+                                  std::string moduleName);
+
+    // ---- Extended information ----
+
+    /// Describes a port for an operator, as names and values in this order: "MAC Address" (iSCSI and NIC ports) or
+    /// "WWPN" (FCoE and FC ports), both empty for another type; "Bus/Dev/Func" in decimal; for NIC ports "I/F Name" as
+    /// `CNetworkParameter::GetIfName` tells it, whose exception passes through.
+    /// @param info  emptied first
+    /// @return false on failure: codes 1 for a null `info`, and those of `GetHBAInfo`
+    static bool GetExtendedInfo(std::string DeviceID, std::list<std::pair<std::string, std::string>>* info,
+                                std::string moduleName);
+};
+
+#endif
