@@ -30,8 +30,8 @@ public:
     /// @param workDir   where the command runs; empty for here
     /// @param exitCode  receives the command's exit status, 0 to 255; 255 unless the result is 0
     /// @param timeout   milliseconds; the unsigned value of -1 for no limit
-    /// @return 0 the command ran and exited by itself; 1 it could not be run, was ended, stopped or continued by a signal, or
-    ///         waiting failed; 255 the time ran out, and the command goes on running
+    /// @return 0 the command ran and exited by itself; 1 it could not be run, was ended, stopped or continued by a
+    ///         signal, or waiting failed; 255 the time ran out, and the command goes on running
     static unsigned long POpenForeignModule(const std::string& command, int* pipeFd, const std::string& workDir,
                                             unsigned long* exitCode, unsigned long timeout);
 
