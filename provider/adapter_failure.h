@@ -15,6 +15,9 @@ struct Failure {
     std::string next;     ///< what to do next
 };
 
+/// The name of the failure that a new dump of a port can't mend: the port has no version of this kind.
+constexpr const char* kNoVersionName = "no-version";
+
 /// The failure that the library's last error tells.
 Failure lastFailure();
 

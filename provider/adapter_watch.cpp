@@ -29,8 +29,7 @@ std::string outcomeOf(int result) {
 
 AdapterWatch::Event AdapterWatch::take(TRACE_DBG_LEVEL level, const std::string& text) {
     if (level == TRACE_DBG_FLOW && beginsWith(text, kLineBegins)) {
-        const std::string line =
-            text.substr(kLineBegins.size(), text.size() - kLineBegins.size() - kLineEnds.size());
+        const std::string line = text.substr(kLineBegins.size(), text.size() - kLineBegins.size() - kLineEnds.size());
         command_ = line.substr(0, line.find(kRedirection));
         outcome_.clear();
         signal_ = 0;

@@ -5,6 +5,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "provider/adapter_commands.h"
 #include "provider/exit_codes.h"
 #include "provider/provider_error.h"
 #include "provider/replay_command.h"
@@ -14,16 +15,22 @@ namespace kvl::provider {
 namespace {
 
 // The program's commands, in the order of the help.
-constexpr std::array<AddCommand, 2> kCommands = {addReportCommand, addReplayCommand};
+constexpr std::array<AddCommand, 11> kCommands = {
+    addReportCommand,    addAdaptersCommand,   addAdapterInfoCommand, addVersionCommand,
+    addCompareCommand,   addSupportedCommand,  addSlotCommand,        addDriverCheckCommand,
+    addBootImageCommand, addComponentsCommand, addReplayCommand,
+};
 
 constexpr const char* kDescription =
     "Reports the LAN configuration of this machine: its ports, teams (bonds) and VLANs,\n"
-    "their addresses and the settings of their drivers.";
+    "their addresses and the settings of their drivers. Lists its Emulex adapters and the\n"
+    "versions that run on them.";
 
 constexpr const char* kExamples =
     "Examples:\n"
     "  kvl report                                 this machine, for eyes\n"
     "  kvl report --format xml -o report.xml      this machine, as a document\n"
+    "  kvl adapters --versions                    its Emulex adapters\n"
     "  kvl replay four-port -- report             a recorded server\n"
     "\n"
     "'kvl COMMAND --help' explains a command.\n"

@@ -5,10 +5,19 @@ namespace kvl::provider {
 
 /// How the program ends. Scripts rely on these numbers.
 enum ExitCode : int {
-    kReportWritten = 0,     ///< The report is written, and everything in it could be collected.
-    kPartlyCollected = 1,   ///< The report is written, but something could not be collected: named on standard error.
+    kReportWritten = 0,     ///< The report is written, or the question answered, and nothing is missing.
+    kPartlyCollected = 1,   ///< The same, but something could not be collected: named on standard error.
     kWrongUsage = 2,        ///< The command line can't be carried out. Nothing was done.
-    kNothingCollected = 3,  ///< There is no report: nothing could be collected, or not be written.
+    kNothingCollected = 3,  ///< There is no report or answer: nothing could be collected, written, or it was refused.
+
+    // Answers of the adapter commands, beside 0.
+    kOlder = 10,               ///< compare: the second version is the older.
+    kNewer = 11,               ///< compare: the second version is the newer.
+    kNotAVersion = 12,         ///< compare: a version has not the form of its kind.
+    kDriverNotConfirmed = 13,  ///< driver-check: the driver has another version, or nothing could be found out.
+    kDriverAwaitsBoot = 14,    ///< driver-check: it has another version, and another kernel starts next.
+    kOtherBootImage = 15,      ///< boot-image: another kernel than the running one starts next.
+    kComponentMissing = 16,    ///< components: one is missing.
 };
 
 /// The same for the help texts.
@@ -17,7 +26,70 @@ constexpr const char* kExitCodesHelp =
     "  0  report written\n"
     "  1  report written, but something could not be collected (named on standard error)\n"
     "  2  wrong usage\n"
-    "  3  no report: nothing could be collected, or the report could not be written\n";
+    "  3  no report: nothing could be collected, the report could not be written, or the run was\n"
+    "     refused; the reason stands on standard error\n";
+
+/// The same for the adapter commands, which end with 2 and 3 alike.
+constexpr const char* kAdaptersExitCodesHelp =
+    "Exit codes:\n"
+    "  0   the adapters are listed\n"
+    "  1   the same, but something could not be had (named on standard error)\n"
+    "  2   wrong usage\n"
+    "  3   there is no list; the reason stands on standard error\n";
+
+constexpr const char* kAdapterInfoExitCodesHelp =
+    "Exit codes:\n"
+    "  0   the port is described\n"
+    "  1   the same, but something could not be had (named on standard error)\n"
+    "  2   wrong usage\n"
+    "  3   there is no description; the reason stands on standard error\n";
+
+constexpr const char* kVersionExitCodesHelp =
+    "Exit codes:\n"
+    "  0   the version is told\n"
+    "  2   wrong usage\n"
+    "  3   there is none; the reason stands on standard error\n";
+
+constexpr const char* kCompareExitCodesHelp =
+    "Exit codes:\n"
+    "  0   NEW is equal to OLD\n"
+    "  2   wrong usage\n"
+    "  10  NEW is older\n"
+    "  11  NEW is newer\n"
+    "  12  one of them is not a version of this kind\n";
+
+constexpr const char* kSupportedExitCodesHelp =
+    "Exit codes:\n"
+    "  0   the catalogue is listed\n"
+    "  1   the same, but one family has none (named on standard error)\n"
+    "  2   wrong usage\n"
+    "  3   there is no catalogue, or it can't be right; the reason stands on standard error\n";
+
+constexpr const char* kSlotExitCodesHelp =
+    "Exit codes:\n"
+    "  0   the slot is told\n"
+    "  2   wrong usage\n";
+
+constexpr const char* kDriverCheckExitCodesHelp =
+    "Exit codes:\n"
+    "  0   the installed driver has this version\n"
+    "  2   wrong usage\n"
+    "  3   the check could not begin; the reason stands on standard error\n"
+    "  13  it has another version, or nothing could be found out\n"
+    "  14  it has another version, and the default boot entry is not that of the running kernel\n";
+
+constexpr const char* kBootImageExitCodesHelp =
+    "Exit codes:\n"
+    "  0   the default boot entry has the running kernel's RAM disk\n"
+    "  2   wrong usage\n"
+    "  3   that could not be told; the reason stands on standard error\n"
+    "  15  it has not\n";
+
+constexpr const char* kComponentsExitCodesHelp =
+    "Exit codes:\n"
+    "  0   nothing is missing\n"
+    "  2   wrong usage\n"
+    "  16  something is\n";
 
 }  // namespace kvl::provider
 

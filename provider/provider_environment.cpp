@@ -29,9 +29,7 @@ int makeDirectory(const std::string& path, mode_t mode) {
 }
 
 void makeMissing(const std::string& directory) {
-    for (auto slash = directory.find('/', 1); slash != std::string::npos; slash = directory.find('/', slash + 1)) {
-        makeDirectory(directory.substr(0, slash), kParentMode);
-    }
+    makeParents(directory);
     const int error = makeDirectory(directory, kResultDirectoryMode);
     if (error != 0 && error != EEXIST) {
         refuse(directory, std::string("isn't there and can't be made (") + std::strerror(error) +
@@ -45,6 +43,12 @@ void enterProviderEnvironment() {
     setenv("LC_ALL", "C", 1);
     setenv("PATH", "/sbin:/usr/sbin:/bin:/usr/bin", 1);
     umask(kOwnFilesOnly);
+}
+
+void makeParents(const std::string& path) {
+    for (auto slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1)) {
+        makeDirectory(path.substr(0, slash), kParentMode);
+    }
 }
 
 void needResultDirectory(const std::string& directory) {

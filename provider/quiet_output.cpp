@@ -56,7 +56,8 @@ void QuietOutput::forget() {
 std::string QuietOutput::lastLine() const {
     const off_t size = kept_.isOpen() ? lseek(STDOUT_FILENO, 0, SEEK_END) : 0;
     std::array<char, kLastBytes> text{};
-    const ssize_t count = size > 0 ? pread(STDOUT_FILENO, text.data(), text.size(), size > kLastBytes ? size - kLastBytes : 0) : 0;
+    const ssize_t count =
+        size > 0 ? pread(STDOUT_FILENO, text.data(), text.size(), size > kLastBytes ? size - kLastBytes : 0) : 0;
     return lastLineOf(std::string(text.data(), count > 0 ? static_cast<std::size_t>(count) : 0));
 }
 

@@ -1,9 +1,5 @@
 #include "provider/report_command.h"
 
-#include <sys/ioctl.h>
-#include <time.h>
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
@@ -20,6 +16,7 @@
 #include "provider/provider_error.h"
 #include "provider/report_options.h"
 #include "provider/report_output.h"
+#include "provider/run_options.h"
 
 namespace kvl::provider {
 namespace {
@@ -30,35 +27,6 @@ constexpr const char* kExamples =
     "  kvl report --vendor 8086 --vendor 14e4 --section physical,team\n"
     "  kvl report --skip offload,coalesce --format xml -o /var/tmp/lan.xml\n"
     "\n";
-
-constexpr unsigned long kPausesPerSecond = 10;
-
-std::size_t terminalWidth() {
-    struct winsize size {};
-    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
-}
-
-CollectionDisplay::Mode displayMode(const ReportOptions& options) {
-    if (options.verbose) {
-        return CollectionDisplay::Mode::kTrace;
-    }
-    const bool watched = !options.quiet && isatty(STDERR_FILENO) == 1;
-    return watched ? CollectionDisplay::Mode::kProgress : CollectionDisplay::Mode::kNothing;
-}
-
-CollectionLock takeLock(unsigned waitSeconds) {
-    CollectionLock::Waiting waiting;
-    waiting.begin = [waitSeconds](pid_t holder) {
-        std::cerr << "kvl: another collection runs on this machine"
-                  << (holder > 0 ? " (process " + std::to_string(holder) + ")" : "") << ": waiting up to "
-                  << waitSeconds << " s for its end\n";
-    };
-    waiting.pause = [] {
-        const struct timespec pause = {0, 1'000'000'000 / static_cast<long>(kPausesPerSecond)};
-        nanosleep(&pause, nullptr);
-    };
-    return CollectionLock::take(collectionLockFile(), waitSeconds * kPausesPerSecond, waiting);
-}
 
 [[noreturn]] void refuse(const ReportOptions& options, const CollectionWatch& watch, const std::string& sentence) {
     const bool mayHelp = options.legacyCommands == LegacyCommands::kNever && watch.command() == "/sbin/ifconfig -a";
@@ -77,7 +45,7 @@ CollectionLock takeLock(unsigned waitSeconds) {
 /// @param file  where it goes; empty for standard output
 /// @return the commands that failed
 std::vector<FailedCommand> makeReport(const ReportOptions& options, const std::string& file) {
-    CollectionDisplay display(displayMode(options), std::cerr, terminalWidth());
+    CollectionDisplay display(displayMode(options.run), std::cerr, terminalWidth());
     const CollectionSession session(display);
     ReportOutput output(options, file);
     try {
@@ -120,7 +88,7 @@ int report(const ReportOptions& options, const Arguments& arguments) {
     if (supplied.empty()) {
         needResultDirectory();
     }
-    const CollectionLock lock = takeLock(options.waitSeconds);
+    const CollectionLock lock = takeTurn(options.run.waitSeconds);
     if (supplied.empty()) {
         return collectAndReport(options, options.outputFile);
     }

@@ -41,7 +41,6 @@ struct NamedChoice {
 
 constexpr std::array<NamedChoice, 2> kChoices = {{{"auto", LegacyCommands::kAuto}, {"never", LegacyCommands::kNever}}};
 
-constexpr int kLongestWait = 24 * 60 * 60;
 constexpr std::size_t kLongestVendor = 4;
 constexpr std::size_t kLongestModule = 64;
 constexpr const char* kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_";
@@ -165,7 +164,7 @@ void addOutputOptions(CLI::App& command, ReportOptions& options) {
         ->type_name("text|xml");
 }
 
-void addRunOptions(CLI::App& command, ReportOptions& options) {
+void addViewOptions(CLI::App& command, ReportOptions& options) {
     const auto takeChoice = [&options](const std::string& name) {
         options.legacyCommands = findRows("--legacy-commands", kChoices, {name}).front()->value;
     };
@@ -175,11 +174,6 @@ void addRunOptions(CLI::App& command, ReportOptions& options) {
                                           "reads: run in a private view of it with the older ones (auto,\n"
                                           "default), or don't (never)")
         ->type_name("auto|never");
-    command.add_option("--wait", options.waitSeconds, "Longest wait for another collection to end (default: 60)")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(0, kLongestWait).description(""));
-    CLI::Option* verbose = command.add_flag("-v,--verbose", options.verbose, "Show the trace on standard error");
-    command.add_flag("--quiet", options.quiet, "Show neither progress nor trace")->excludes(verbose);
 }
 
 }  // namespace
@@ -191,7 +185,8 @@ void addReportOptions(CLI::App& command, ReportOptions& options) {
     addVendorOptions(command, options);
     addContentOptions(command, options);
     addOutputOptions(command, options);
-    addRunOptions(command, options);
+    addViewOptions(command, options);
+    addRunOptions(command, options.run);
 }
 
 }  // namespace kvl::provider

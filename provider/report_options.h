@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "lan_report/CLanXmlWriter.h"
+#include "provider/run_options.h"
 
 namespace CLI {
 class App;
@@ -31,9 +32,7 @@ struct ReportOptions {
     std::string outputFile;  ///< empty: standard output
     Format format = Format::kText;
     LegacyCommands legacyCommands = LegacyCommands::kAuto;
-    unsigned waitSeconds = 60;
-    bool verbose = false;
-    bool quiet = false;
+    RunOptions run;
 };
 
 /// Adds the options to the command, which checks them when it is parsed.

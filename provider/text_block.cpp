@@ -14,11 +14,6 @@ bool isControl(char character) {
     return byte < 0x20 || byte == 0x7f;
 }
 
-std::string printable(std::string text) {
-    std::replace_if(text.begin(), text.end(), isControl, ' ');
-    return text;
-}
-
 }  // namespace
 
 TextBlock::TextBlock(const std::string& heading) : text_(printable(heading) + "\n") {}
@@ -52,6 +47,11 @@ void TextBlock::addWrappedRow(const std::string& name, const std::vector<std::st
         lines[index] += ",";
     }
     addRows(name, lines);
+}
+
+std::string printable(std::string text) {
+    std::replace_if(text.begin(), text.end(), isControl, ' ');
+    return text;
 }
 
 std::string shownValue(const std::string& value) {

@@ -26,6 +26,9 @@ private:
     std::string text_;
 };
 
+/// The text with a blank for each character that can't be printed.
+std::string printable(std::string text);
+
 /// The value as a row shows it: "-" if there is none.
 std::string shownValue(const std::string& value);
 

@@ -18,6 +18,9 @@ Outcome runKvl(const std::vector<std::string>& arguments);
 /// Runs kvl on a recorded server, by its own replay.
 Outcome replayKvl(const std::string& machine, const std::vector<std::string>& arguments);
 
+/// Runs kvl on a terminal of its own. @return all that the terminal got
+std::string runOnTerminal(const std::vector<std::string>& arguments);
+
 /// A private root in which kvl can be run on a recorded server.
 machines::PrivateRootOptions rootWithKvl(const std::string& recording);
 

@@ -1,11 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pty.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
-#include <cerrno>
 #include <filesystem>
 #include <fstream>
 
@@ -22,6 +18,7 @@ using kvl::test::replayKvl;
 using kvl::test::rootWithKvl;
 using kvl::test::runInside;
 using kvl::test::runKvl;
+using kvl::test::runOnTerminal;
 using kvl::test::runOutside;
 using kvl::test::ScratchDirectory;
 using testing::AllOf;
@@ -202,35 +199,10 @@ TEST(ReplayedReport, ShowsTheTraceOnRequest) {
                            "flow      int CNetworkParameter::ExecCommand(const char*, ...) [/bin/uname -r > "));
 }
 
-/// Runs kvl on a terminal of its own. @return all that the terminal got
-std::string runOnTerminal(const std::vector<std::string>& arguments) {
-    int terminal = -1;
-    const pid_t process = forkpty(&terminal, nullptr, nullptr, nullptr);
-    if (process == 0) {
-        std::vector<std::string> words = {KVL_PROGRAM};
-        words.insert(words.end(), arguments.begin(), arguments.end());
-        execl("/bin/sh", "sh", "-c", quoted(words).c_str(), nullptr);
-        _exit(127);
-    }
-    std::string shown;
-    std::array<char, 4096> buffer{};
-    for (;;) {
-        const ssize_t count = read(terminal, buffer.data(), buffer.size());
-        if (count > 0) {
-            shown.append(buffer.data(), static_cast<std::size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
-            break;
-        }
-    }
-    close(terminal);
-    waitpid(process, nullptr, 0);
-    return shown;
-}
-
 TEST(ReplayedReport, ShowsProgressOnATerminal) {
     const std::string shown = runOnTerminal({"replay", "four-port", "--", "report", "--section", "common"});
     EXPECT_THAT(shown, HasSubstr("\r/sbin/ifconfig -a\r"));
-    EXPECT_THAT(shown, HasSubstr("\reth1 (5 of 10): /usr/sbin/ethtool -c eth1"));
+    EXPECT_THAT(shown, HasSubstr("\reth1 (6 of 11): /usr/sbin/ethtool -c eth1"));
     EXPECT_THAT(shown, HasSubstr(" \rDNS suffixes: ")) << "the line is gone before the report comes";
 }
 

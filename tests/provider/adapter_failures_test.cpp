@@ -1,0 +1,258 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "tests/provider/adapter_server.h"
+
+namespace {
+
+using kvl::test::Outcome;
+using kvl::test::readFile;
+using kvl::test::runKvl;
+using kvl::test::runOnServer;
+using kvl::test::ScratchDirectory;
+using nlohmann::json;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr const char* kRemoved =
+    "kvl: hbacmd is not installed (error b): install the OneCommand Manager, which brings /usr/sbin/ocmanager/hbacmd\n";
+constexpr const char* kToolAdvice =
+    " (error 0): run that command by hand, and see whether its services run and the adapters answer\n";
+
+TEST(RemovedTool, IsAnErrorOfEveryQuestionThatNeedsIt) {
+    const Outcome outcome = runOnServer(
+        "remove_tool; run kvl adapters --versions; run kvl adapter-info 02:00.0\n"
+        "run kvl version 02:00.0 --kind firmware; run kvl adapters --format json");
+    EXPECT_EQ(
+        "ended with 3\nended with 3\nended with 3\n"
+        "{\n  \"error\": {\n    \"number\": \"b\",\n    \"name\": \"no-tool\",\n    \"meaning\": \"hbacmd is not "
+        "installed\",\n    \"next\": \"install the OneCommand Manager, which brings /usr/sbin/ocmanager/hbacmd\"\n"
+        "  }\n}\nended with 3\n",
+        outcome.output);
+    const std::string once = kRemoved;
+    EXPECT_EQ(once + once + once + once, outcome.errors);
+}
+
+TEST(RemovedTool, IsNotNeededForVersionsInTheCache) {
+    const Outcome outcome = runOnServer(
+        "kvl version 15:00.0 --kind firmware; remove_tool\n"
+        "for kind in firmware driver boot tool; do run kvl version 15:00.0 --kind $kind; done\n"
+        "run kvl version 15:00.0 --kind firmware --refresh; run kvl version 15:00.1 --kind firmware\n"
+        "run kvl version 15:00.0 --kind firmware --family cna");
+    EXPECT_EQ(
+        "2.01a12\n2.01a12\nended with 0\n8.3.7.18\nended with 0\n5.03a4\nended with 0\n6.3.12.1\nended with 0\n"
+        "ended with 3\nended with 3\nended with 3\n",
+        outcome.output);
+}
+
+TEST(RemovedTool, IsNotNeededForVersionsThatAnEarlierRunHasKept) {
+    const ScratchDirectory scratch;
+    const std::string root = scratch / "root";
+    const std::vector<std::string> version = {"replay",  "adapters-mixed", "--root", root,      "--",
+                                              "version", "06:00.2",        "--kind", "firmware"};
+    EXPECT_EQ("10.2.340.19\n", runKvl(version).output);
+    std::filesystem::remove(root + "/usr/sbin/ocmanager/hbacmd");
+    const Outcome cached = runKvl(version);
+    EXPECT_EQ(0, cached.status);
+    EXPECT_EQ("10.2.340.19\n", cached.output);
+    auto refreshed = version;
+    refreshed.emplace_back("--refresh");
+    EXPECT_EQ(3, runKvl(refreshed).status);
+}
+
+TEST(FailingTool, IsToldWithItsCommand) {
+    const Outcome outcome = runOnServer(
+        "fault failing; run kvl adapters --versions 2>/tmp/list; run kvl adapters --format json 2>/dev/null; cure\n"
+        "fault failing.dump; run kvl version 15:00.0 --kind boot 2>/tmp/dump; cure\n"
+        "fault failing.GetDumpDirectory; run kvl version 15:00.0 --kind boot 2>/tmp/directory; cat /tmp/list /tmp/d* "
+        ">&2");
+    EXPECT_EQ(
+        "ended with 3\n"
+        "{\n  \"error\": {\n    \"number\": \"0\",\n    \"name\": \"tool-failed\",\n    \"meaning\": "
+        "\"/usr/sbin/ocmanager/hbacmd listhbas failed\",\n    \"next\": \"run that command by hand, and see whether "
+        "its "
+        "services run and the adapters answer\"\n  }\n}\nended with 3\nended with 3\nended with 3\n",
+        outcome.output);
+    const std::string itsOwn = "hbacmd: the adapters do not answer\n";
+    EXPECT_EQ(itsOwn + "kvl: /usr/sbin/ocmanager/hbacmd listhbas failed" + kToolAdvice + itsOwn +
+                  "kvl: /usr/sbin/ocmanager/hbacmd GetDumpDirectory 10:00:00:00:c9:d4:7e:30 failed" + kToolAdvice +
+                  itsOwn + "kvl: /usr/sbin/ocmanager/hbacmd dump 10:00:00:00:c9:d4:7e:30 failed" + kToolAdvice,
+              outcome.errors);
+}
+
+TEST(FailingTool, LeavesThePortsListedAndTheirVersionsNamed) {
+    const Outcome outcome = runOnServer(
+        "fault failing.dump; run kvl adapters --versions --family fc 2>/tmp/errors\n"
+        "grep -v '^hbacmd:' /tmp/errors >&2");
+    EXPECT_THAT(outcome.output, HasSubstr("0a:00.0  fc      FC    10:00:00:90:fa:5e:41:0a  0     VM14300288  -    "));
+    EXPECT_THAT(outcome.output, EndsWith("ended with 1\n"));
+    const auto note = [](const std::string& device, const std::string& address) {
+        return "kvl: " + device + ": firmware: /usr/sbin/ocmanager/hbacmd dump " + address + " failed" + kToolAdvice;
+    };
+    EXPECT_EQ(note("0a:00.0", "10:00:00:90:fa:5e:41:0a") + note("15:00.0", "10:00:00:00:c9:d4:7e:30") +
+                  note("15:00.1", "10:00:00:00:c9:d4:7e:31"),
+              outcome.errors);
+}
+
+TEST(FailingTool, IsQuotedWhereItSaysSomething) {
+    const Outcome outcome = runOnServer("fault status.dump 7; run kvl version 15:00.0 --kind boot");
+    EXPECT_EQ(
+        "kvl: /usr/sbin/ocmanager/hbacmd dump 10:00:00:00:c9:d4:7e:30 failed, saying 'The dump of "
+        "10:00:00:00:c9:d4:7e:30 has been written.'" +
+            std::string(kToolAdvice),
+        outcome.errors);
+}
+
+TEST(SilentTool, IsWaitedForAndTold) {
+    const Outcome outcome = runOnServer(
+        "fault silent; run kvl adapters --versions; cure\n"
+        "fault silent.GetDumpDirectory; run kvl version 15:00.0 --kind boot");
+    EXPECT_EQ("ended with 3\nended with 3\n", outcome.output);
+    EXPECT_EQ("kvl: /usr/sbin/ocmanager/hbacmd listhbas printed nothing in 10 s" + std::string(kToolAdvice) +
+                  "kvl: /usr/sbin/ocmanager/hbacmd GetDumpDirectory 10:00:00:00:c9:d4:7e:30 printed nothing in 10 s" +
+                  kToolAdvice,
+              outcome.errors);
+}
+
+TEST(SlowTool, IsWaitedForAndAnswers) {
+    const Outcome outcome = runOnServer("fault slow 0.02; run kvl adapters --versions --family fc");
+    EXPECT_THAT(outcome.output, EndsWith("2.01a12   8.3.7.18  5.03a4     6.3.12.1\nended with 0\n"));
+    EXPECT_EQ("", outcome.errors);
+}
+
+TEST(KilledTool, IsTold) {
+    const Outcome outcome = runOnServer("fault killed; run kvl adapters 2>/tmp/errors; grep kvl: /tmp/errors");
+    EXPECT_EQ("ended with 3\nkvl: /usr/sbin/ocmanager/hbacmd listhbas failed" + std::string(kToolAdvice),
+              outcome.output);
+}
+
+struct NumberedFailure {
+    const char* script;
+    const char* sentence;
+};
+
+void PrintTo(const NumberedFailure& row, std::ostream* stream) {
+    *stream << row.sentence;
+}
+
+class Code : public testing::TestWithParam<NumberedFailure> {};
+
+TEST_P(Code, IsToldWithItsMeaningItsNumberAndWhatToDo) {
+    const Outcome outcome =
+        runOnServer(std::string(GetParam().script) + "; run kvl version 15:00.0 --kind boot --refresh");
+    EXPECT_EQ("ended with 3\n", outcome.output);
+    EXPECT_EQ(std::string("kvl: ") + GetParam().sentence + "\n", outcome.errors);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, Code,
+    testing::Values(
+        NumberedFailure{"fault no-dump-directory",
+                        "hbacmd did not tell its dump directory (error 5): see what 'hbacmd GetDumpDirectory ADDRESS' "
+                        "prints for the port's address"},
+        NumberedFailure{"fault other-port-first 9",
+                        "hbacmd wrote no dump of this adapter in three tries (error 6): see whether 'hbacmd dump "
+                        "ADDRESS' writes a file into its dump directory, and whether --family is the port's"},
+        NumberedFailure{"kvl adapters >/dev/null; mkdir -m 700 $tree/cache/FC/CacheDump_15:00.0.txt",
+                        "the adapter's dump could not be copied to the cache (error 7): see whether tmp/EMULEX/cache "
+                        "below the install directory can be written and the disk has room"},
+        NumberedFailure{"sed -i /Boot/d $ports/14/dump",
+                        "the adapter's dump does not tell the version (error 9): --refresh makes a new dump; an "
+                        "adapter without this module has no version of it"},
+        NumberedFailure{"remove_tool",
+                        "hbacmd is not installed (error b): install the OneCommand Manager, which brings "
+                        "/usr/sbin/ocmanager/hbacmd"},
+        NumberedFailure{"rm -r $ports/14",
+                        "no adapter in the list has this PCI location (error e): 'kvl adapters' lists the adapters "
+                        "with their locations"},
+        NumberedFailure{"sed -i d $ports/*/list",
+                        "the adapter list is empty (error f): see whether the adapters' driver is loaded, and what "
+                        "'hbacmd listhbas' prints"},
+        NumberedFailure{"mkdir -p -m 700 ${tree%/*} $tree; echo >$tree/cache",
+                        "a cache directory could not be made (error 12): see whether tmp/EMULEX/cache below the "
+                        "install directory can be made; as root, remove what stands in its way"},
+        NumberedFailure{"mkdir -p -m 700 ${tree%/*} $tree; echo >$tree/temp",
+                        "a temporary directory could not be made (error 13): see whether tmp/EMULEX/temp below the "
+                        "install directory can be made; as root, remove what stands in its way"}));
+
+TEST(ToolsOutput, OfAnotherFormIsTold) {
+    const Outcome outcome =
+        runOnServer("sed -i 's/^PCI Bus Number.*/PCI Bus Number:/' $ports/01/list; run kvl adapter-info 15:00.0");
+    EXPECT_EQ("ended with 3\n", outcome.output);
+    EXPECT_EQ(
+        "kvl: hbacmd's list of the adapters does not have the expected form (error 0): see what 'hbacmd listhbas' "
+        "prints: tmp/EMULEX/temp/Listhbas.txt below the install directory holds it\n",
+        outcome.errors);
+}
+
+TEST(ToolsOutput, ThatLacksALineOfAPortIsTold) {
+    const Outcome outcome = runOnServer("sed -i /Serial/d $ports/15/list; run kvl adapters --family fc");
+    EXPECT_THAT(outcome.output, EndsWith("15:00.1  fc      FC    10:00:00:00:c9:d4:7e:31  1     -\nended with 1\n"));
+    EXPECT_EQ(
+        "kvl: 15:00.1: hbacmd's list lacks a line of this or an earlier port, so values may stand at the wrong port; "
+        "the list may have been cut: run 'kvl adapters' again\n",
+        outcome.errors);
+}
+
+TEST(ToolsOutput, WithoutALocationLeavesTheVersionsOut) {
+    const Outcome outcome = runOnServer(
+        "sed -i 's/\\(PCI Function   : \\)1/\\1x/' $ports/15/list; kvl adapters --family fc --versions | tail -n "
+        "1\n"
+        "kvl adapters --family fc --versions --format json 2>/dev/null");
+    EXPECT_THAT(outcome.output,
+                StartsWith("-        fc      FC    10:00:00:00:c9:d4:7e:31  1     FC82110931  -         -         -"));
+    EXPECT_EQ(
+        "kvl: 10:00:00:00:c9:d4:7e:31: its versions can't be asked for: hbacmd's list tells no PCI location of "
+        "it\n",
+        outcome.errors);
+}
+
+TEST(ToolsOutput, GoesToNoShellWhereItIsNoAddress) {
+    const Outcome outcome = runOnServer(
+        "sed -i 's/^\\(Port WWN.*\\): .*/\\1: 10:00;touch${IFS}\\/tmp\\/done/' $ports/14/list\n"
+        "run kvl version 15:00.0 --kind boot; run kvl adapters --versions --format json 2>/dev/null >/tmp/list\n"
+        "ls /tmp/done 2>/dev/null; cat /tmp/list");
+    EXPECT_EQ(
+        "kvl: hbacmd's list tells no proper address of 15:00.0 (error 0): see what 'hbacmd listhbas' prints: "
+        "tmp/EMULEX/temp/Listhbas.txt below the install directory holds it\n",
+        outcome.errors);
+    ASSERT_THAT(outcome.output, StartsWith("ended with 3\n{\n"));
+    const std::string answer = outcome.output.substr(outcome.output.find('{'));
+    const json document = json::parse(answer.substr(0, answer.rfind('}') + 1));
+    EXPECT_EQ("unexpected-form", document["adapters"][13]["failures"][0]["name"]);
+    EXPECT_EQ("2.01a12", document["adapters"][14]["versions"]["firmware"]);
+}
+
+TEST(ToolsOutput, NeedNotBeText) {
+    const Outcome outcome = runOnServer(
+        "printf 'Serial No.     : \\377\\033[2Jx\\n' >>$ports/15/list; sed -i '/Serial No.*FC/d' $ports/15/list\n"
+        "run kvl adapters --family fc --format json; kvl adapters | tail -n 1");
+    const json document = json::parse(outcome.output.substr(0, outcome.output.find("ended with 0")));
+    EXPECT_EQ("\xef\xbf\xbd\x1b[2Jx", document["adapters"][2]["serial_number"]);
+    EXPECT_THAT(outcome.output, EndsWith("1     \xff [2Jx\n"));
+}
+
+TEST(AdapterTree, IsRefusedWhereOthersCanWrite) {
+    const Outcome outcome = runOnServer(
+        "kvl adapters >/dev/null; chmod 777 $tree/temp; run kvl adapters; chmod 755 $tree/temp\n"
+        "run kvl adapters >/dev/null; mv $tree /tmp/tree; ln -s /tmp/tree $tree; run kvl adapters");
+    EXPECT_EQ("ended with 3\nended with 3\n", outcome.output);
+    EXPECT_EQ(
+        "kvl: the adapters' directory /opt/tarvenn/kvl/tmp/EMULEX/temp can be written by other users: 'chmod "
+        "go-w /opt/tarvenn/kvl/tmp/EMULEX/temp'\n"
+        "kvl: the adapters' directory /opt/tarvenn/kvl/tmp/EMULEX is no directory: remove it, and kvl makes one\n",
+        outcome.errors);
+}
+
+TEST(AdapterTree, IsRefusedAtAPathThatAShellTakesApart) {
+    const Outcome outcome = runOnServer("export KVL_INSTALL_PATH='/tmp/a b'; run kvl adapters; ls '/tmp/a b/tmp'");
+    EXPECT_EQ("ended with 3\n", outcome.output);
+    EXPECT_THAT(outcome.errors, StartsWith("kvl: the adapters' directory /tmp/a b/tmp/EMULEX holds characters that a "
+                                           "shell would not take as they are"));
+}
+
+}  // namespace

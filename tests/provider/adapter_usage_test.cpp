@@ -1,0 +1,190 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <ostream>
+
+#include "provider/command_line.h"
+#include "provider/exit_codes.h"
+#include "provider/provider_error.h"
+#include "tests/provider/kvl_program.h"
+
+namespace {
+
+using kvl::provider::Arguments;
+using kvl::provider::ProviderError;
+using kvl::provider::readCommandLine;
+using kvl::test::runKvl;
+using testing::HasSubstr;
+
+/// @return why the command line isn't carried out; "accepted" if it would be
+std::string refusal(const Arguments& arguments) {
+    try {
+        readCommandLine(arguments);
+    } catch (const ProviderError& error) {
+        EXPECT_EQ(kvl::provider::kWrongUsage, error.exitCode());
+        return error.what();
+    }
+    return "accepted";
+}
+
+constexpr const char* kAccepted = "accepted";
+constexpr const char* kDeviceForm = "a device is bus:device.function in hexadecimal, such as 0b:00.1";
+constexpr const char* kVersionForm = "a version begins with a letter or a digit";
+constexpr const char* kDriverForm = "a driver is the name of a kernel module";
+
+struct Word {
+    std::string text;
+    const char* answer;
+};
+
+void PrintTo(const Word& word, std::ostream* stream) {
+    *stream << '[' << word.text << ']';
+}
+
+class Device : public testing::TestWithParam<Word> {};
+
+TEST_P(Device, IsCheckedByEveryCommandThatTakesOne) {
+    const Word& word = GetParam();
+    EXPECT_THAT(refusal({"slot", word.text}), HasSubstr(word.answer));
+    EXPECT_THAT(refusal({"adapter-info", word.text}), HasSubstr(word.answer));
+    EXPECT_THAT(refusal({"version", word.text, "--kind", "driver"}), HasSubstr(word.answer));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Words, Device,
+    testing::Values(Word{"0b:00.1", kAccepted}, Word{"B:0.1", kAccepted}, Word{"0b:00.1-", kAccepted},
+                    Word{"0b:00.1-10df/f100_A.b-c", kAccepted}, Word{"15:1f.0f", kAccepted},
+                    Word{"0b:00.1-" + std::string(64, 'x'), kAccepted},
+                    Word{"0b:00.1-" + std::string(65, 'x'), kDeviceForm}, Word{"", kDeviceForm},
+                    Word{"0b", kDeviceForm}, Word{"0b:00", kDeviceForm}, Word{"0b:00.", kDeviceForm},
+                    Word{":00.1", kDeviceForm}, Word{"0b:.1", kDeviceForm}, Word{"0g:00.1", kDeviceForm},
+                    Word{"00b:00.1", kDeviceForm}, Word{"0000:0b:00.1", kDeviceForm}, Word{"0b.00.1", kDeviceForm},
+                    Word{"0b:00.1x", kDeviceForm}, Word{"+b:00.1", kDeviceForm}, Word{"0x:00.1", kDeviceForm},
+                    Word{" 0b:00.1", kDeviceForm}, Word{"0b:00.1 ", kDeviceForm}, Word{"0b:00.1\n", kDeviceForm},
+                    Word{"0b:00.1-\n", kDeviceForm}, Word{"0b:00.1-a b", kDeviceForm}, Word{"0b:00.1-'", kDeviceForm},
+                    Word{"0b:00.1-\"", kDeviceForm}, Word{"0b:00.1;id", kDeviceForm}, Word{"0b:00.1-;id", kDeviceForm},
+                    Word{"0b:00.1-$(id)", kDeviceForm}, Word{"0b:00.1-`id`", kDeviceForm},
+                    Word{"0b:00.1-|id", kDeviceForm}, Word{"0b:00.1-&", kDeviceForm}, Word{"0b:00.1->x", kDeviceForm},
+                    Word{"0b:00.1-<x", kDeviceForm}, Word{"0b:00.1-*", kDeviceForm}, Word{"0b:00.1-?", kDeviceForm},
+                    Word{"0b:00.1-~", kDeviceForm}, Word{"0b:00.1-\\", kDeviceForm}, Word{"0b:00.1-%s", kDeviceForm},
+                    Word{"0b:00.1-\xc3\xa9", kDeviceForm}));
+
+class Version : public testing::TestWithParam<Word> {};
+
+TEST_P(Version, IsCheckedByEveryCommandThatTakesOne) {
+    const Word& word = GetParam();
+    const Arguments ofDriver = {"--kind", "driver", "--family", "cna"};
+    Arguments first = {"compare", word.text, "1.2.3.4"};
+    Arguments second = {"compare", "1.2.3.4", word.text};
+    first.insert(first.end(), ofDriver.begin(), ofDriver.end());
+    second.insert(second.end(), ofDriver.begin(), ofDriver.end());
+    EXPECT_THAT(refusal(first), HasSubstr(word.answer));
+    EXPECT_THAT(refusal(second), HasSubstr(word.answer));
+    EXPECT_THAT(refusal({"driver-check", "lpfc", word.text}), HasSubstr(word.answer));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Words, Version,
+    testing::Values(Word{"4.6.281.21", kAccepted}, Word{"2.72a2", kAccepted}, Word{"8.3.5.68-5p", kAccepted},
+                    Word{"1.0_rc+2~3", kAccepted}, Word{std::string(64, '1'), kAccepted},
+                    Word{std::string(65, '1'), kVersionForm}, Word{"", kVersionForm}, Word{".1", kVersionForm},
+                    Word{"1 2", kVersionForm}, Word{"1'", kVersionForm}, Word{"1\"", kVersionForm},
+                    Word{"1;id", kVersionForm}, Word{"$HOME", kVersionForm}, Word{"1`id`", kVersionForm},
+                    Word{"1|id", kVersionForm}, Word{"1(2)", kVersionForm}, Word{"1\t", kVersionForm}));
+
+class Driver : public testing::TestWithParam<Word> {};
+
+TEST_P(Driver, IsTheNameOfAModule) {
+    EXPECT_THAT(refusal({"driver-check", GetParam().text, "1.2.3.4"}), HasSubstr(GetParam().answer));
+}
+
+INSTANTIATE_TEST_SUITE_P(Words, Driver,
+                         testing::Values(Word{"lpfc", kAccepted}, Word{"be2-net_2", kAccepted},
+                                         Word{std::string(64, 'x'), kAccepted}, Word{std::string(65, 'x'), kDriverForm},
+                                         Word{"", kDriverForm}, Word{"lpfc be2net", kDriverForm},
+                                         Word{"lpfc;id", kDriverForm}, Word{"'lpfc'", kDriverForm},
+                                         Word{"$(id)", kDriverForm}, Word{"../lpfc", kDriverForm},
+                                         Word{"lpfc.ko", kDriverForm}, Word{"lpfc\n", kDriverForm}));
+
+struct Row {
+    Arguments arguments;
+    const char* answer;
+};
+
+void PrintTo(const Row& row, std::ostream* stream) {
+    *stream << kvl::test::quoted(row.arguments);
+}
+
+class AdapterCommandLine : public testing::TestWithParam<Row> {};
+
+TEST_P(AdapterCommandLine, IsCheckedWhenItIsRead) {
+    EXPECT_THAT(refusal(GetParam().arguments), HasSubstr(GetParam().answer));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CommandLines, AdapterCommandLine,
+    testing::Values(
+        Row{{"adapters"}, kAccepted},
+        Row{{"adapters", "--family", "fc", "--versions", "--refresh", "--format", "json", "--wait", "0", "-v"},
+            kAccepted},
+        Row{{"adapters", "--family", "FC"}, "--family: 'FC' is none of cna|fc ('kvl adapters --help'"},
+        Row{{"adapters", "--family", "fc;id"}, "--family: 'fc;id' is none of cna|fc"},
+        Row{{"adapters", "--family", ""}, "--family: '' is none of cna|fc"},
+        Row{{"adapters", "--format", "xml"}, "--format: 'xml' is none of text|json"},
+        Row{{"adapters", "02:00.0"}, "not expected: 02:00.0"}, Row{{"adapters", "-v", "--quiet"}, "excludes"},
+        Row{{"adapters", "--wait", "-1"}, "--wait: Value -1 not in range"}, Row{{"adapter-info"}, "DEVICE is required"},
+        Row{{"adapter-info", "0b:00.1", "0b:00.2"}, "not expected: 0b:00.2"},
+        Row{{"version", "0b:00.1"}, "--kind is required"}, Row{{"version", "--kind", "driver"}, "DEVICE is required"},
+        Row{{"version", "0b:00.1", "--kind", "bios"}, "--kind: 'bios' is none of firmware|driver|boot|tool"},
+        Row{{"version", "0b:00.1", "--kind", ""}, "--kind: '' is none of"},
+        Row{{"version", "0b:00.1", "--kind", "driver;id"}, "--kind: 'driver;id' is none of"},
+        Row{{"version", "0b:00.1", "--kind", "0"}, "--kind: '0' is none of"},
+        Row{{"version", "0b:00.1", "--kind", "tool", "--family", "cna", "--refresh"}, kAccepted},
+        Row{{"version", "0b:00.1", "--kind", "boot"}, kAccepted},
+        Row{{"compare", "1.2.3.4", "--kind", "driver", "--family", "cna"}, "NEW is required"},
+        Row{{"compare", "1.2.3.4", "1.2.3.4", "--family", "cna"}, "--kind is required"},
+        Row{{"compare", "1.2.3.4", "1.2.3.4", "--kind", "driver"}, "--family is required"},
+        Row{{"compare", "1.2.3.4", "1.2.3.4", "--kind", "driver", "--family", "cna"}, kAccepted},
+        Row{{"compare", "1.2.3.4", "1.2.3.4", "--kind", "boot", "--family", "cna"},
+            "versions of boot code are not compared: --kind firmware, driver or tool"},
+        Row{{"compare", "-1.2.3.4", "1.2.3.4", "--kind", "driver", "--family", "cna"}, kVersionForm},
+        Row{{"driver-check", "lpfc"}, "VERSION is required"}, Row{{"driver-check"}, "DRIVER is required"},
+        Row{{"supported", "--family", "iscsi"}, "--family: 'iscsi' is none of cna|fc"},
+        Row{{"supported", "--format", "json"}, kAccepted}, Row{{"boot-image"}, kAccepted},
+        Row{{"boot-image", "x"}, "not expected: x"}, Row{{"components"}, kAccepted},
+        Row{{"components", "--family", "cna"}, "not expected"},
+        Row{{"replay", "adapters-mixed", "--", "slot", "x"}, kDeviceForm}));
+
+TEST(WrongUsage, OfAnAdapterCommandEndsWithTwo) {
+    const auto outcome = runKvl({"version", "0b:00.1;touch x", "--kind", "driver"});
+    EXPECT_EQ(2, outcome.status);
+    EXPECT_EQ("", outcome.output);
+    EXPECT_EQ("kvl: " + std::string(kDeviceForm) +
+                  ", and may go on with '-' and letters, digits, '.', '_', '/' and '-'; '0b:00.1;touch x' isn't ('kvl "
+                  "version --help' tells the usage)\n",
+              outcome.errors);
+}
+
+struct HelpCase {
+    const char* command;
+    const char* exitCodes;
+};
+
+TEST(AdapterHelp, TellsExitCodesAndExamplesOfEachCommand) {
+    for (const HelpCase& row : {HelpCase{"adapters", kvl::provider::kAdaptersExitCodesHelp},
+                                HelpCase{"adapter-info", kvl::provider::kAdapterInfoExitCodesHelp},
+                                HelpCase{"version", kvl::provider::kVersionExitCodesHelp},
+                                HelpCase{"compare", kvl::provider::kCompareExitCodesHelp},
+                                HelpCase{"supported", kvl::provider::kSupportedExitCodesHelp},
+                                HelpCase{"slot", kvl::provider::kSlotExitCodesHelp},
+                                HelpCase{"driver-check", kvl::provider::kDriverCheckExitCodesHelp},
+                                HelpCase{"boot-image", kvl::provider::kBootImageExitCodesHelp},
+                                HelpCase{"components", kvl::provider::kComponentsExitCodesHelp}}) {
+        const auto outcome = runKvl({row.command, "--help"});
+        EXPECT_EQ(0, outcome.status);
+        EXPECT_THAT(outcome.output, HasSubstr(row.exitCodes));
+        EXPECT_THAT(outcome.output, HasSubstr("Examples:\n  kvl " + std::string(row.command)));
+    }
+}
+
+}  // namespace
