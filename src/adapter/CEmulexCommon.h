@@ -28,8 +28,9 @@ std::string CONVERT_DEVID(std::string DeviceID);
 /// An operation that reports failure leaves the cause in the last error; error_codes.h lists the codes. Nothing
 /// clears it, so after a success it still holds an earlier failure.
 ///
-/// `moduleName` goes first into every trace line. It also selects the adapter family: "cna", or FC for any other text.
-/// A few rules hold for the text "fc" alone, where they say so.
+/// `moduleName` goes first into every trace line, but for the start line of `GetVenderIdList`, where "cna" does. It
+/// also selects the adapter family: "cna", or FC for any other text. A few rules hold for the text "fc" alone, where
+/// they say so.
 ///
 /// The working tree lies in tmp/EMULEX below the install directory. `hbacmd` is the management tool at
 /// /usr/sbin/ocmanager/hbacmd. What it reports is read line by line; a line of more than 255 characters counts as
@@ -74,8 +75,8 @@ public:
 
     /// Runs a command line through the shell, without the double quotes in it. If " > " stands in the line, all that
     /// follows is the name of the result file, and output is waited for: up to ten looks, a second apart.
-    /// @return 0 on success; -1 if the command exits with another status than 0 or leaves an empty result file; for a
-    ///         line without " > " that a signal ended, what `system` gave. No code is set
+    /// @return 0 on success; -1 if the command can't be run, exits with another status than 0, or leaves no result file
+    ///         or an empty one; for a line without " > " that a signal ended, what `system` gave. No code is set
     static int ExecCommand_(std::string command, std::string moduleName);
 
     // ---- Report files ----
@@ -95,7 +96,8 @@ public:
     /// Reads the value behind a key in the lines that follow a line with one of the tags. The file is read to its end:
     /// once there is a value, each further line with a tag has the one line behind it looked at, and a value there
     /// takes the place of the earlier one.
-    /// @param tags   alternatives, "|" between them. Each that stands in a line starts a search behind that line
+    /// @param tags   alternatives, "|" between them. Each that stands in a line starts a search behind that line,
+    ///               or behind the line where the search before it ended
     /// @param count  how many lines with a tag are passed over first
     /// @return false if the file can't be opened (code 17); the other arguments are those of `GetKeyValueFromFile_`
     static bool GetTagKeyValueFromFile_(std::string file, std::string tags, std::string keys, std::string separator,
@@ -109,7 +111,8 @@ public:
 
     /// Looks for the file of a directory that was modified last, by /bin/ls into temp/fsresult of the working tree.
     /// @param pattern  expanded by the shell, as `directory` is
-    /// @return its path; of files of one time the one that is listed first; empty if nothing matches. No code is set
+    /// @return its path; of files of one time the one that is listed first; empty if nothing matches with a time
+    ///         above 0, or if the listing can't be had. No code is set
     static std::string LatestFile(std::string directory, std::string pattern, std::string moduleName);
 
     // ---- Device catalogue: CnaVCFac.ini and FcVCFac.ini in the install directory ----
@@ -117,7 +120,8 @@ public:
     /// Lists the supported device numbers. The lists are appended to.
     /// @param iniFile  selects the catalogue by the name that stands anywhere in it, CnaVCFac.ini looked for first;
     ///                 the file in the install directory is read. Without either name nothing is listed
-    /// @param list0    CNA: numbers that end in 0; the three lists are untouched by the FC catalogue
+    /// @param list0    CNA: numbers of the vendors 19A2 and 10DF that end in 0; the FC catalogue leaves the three
+    ///                 lists untouched
     /// @param list2    CNA: numbers that end in 2
     /// @param list4    CNA: numbers that end in 4
     /// @param fcList   FC: whole device fields, their prefix included; untouched by the CNA catalogue
@@ -127,15 +131,15 @@ public:
 
     /// Lists the supported devices as hardware identifiers, as in PCI\VEN_10DF&DEV_F100. The lists are appended to.
     /// @param iniFile  as above
-    /// @param list0    CNA: devices whose number ends in 0
+    /// @param list0    CNA: devices of the vendors 19A2 and 10DF whose number ends in 0
     /// @param list2    never used
     /// @param list4    never used
-    /// @param fcList   FC: all devices
+    /// @param fcList   FC: all devices of the vendor 10DF
     /// @return true
     static bool GetVenDevIdList(std::string iniFile, std::list<std::string>* list0, std::list<std::string>* list2,
                                 std::list<std::string>* list4, std::list<std::string>* fcList, std::string moduleName);
 
-    /// Lists the vendor numbers of the CNA catalogue, once for each entry.
+    /// Lists the vendor numbers of the CNA catalogue, 19A2 and 10DF alone, once for each of their entries.
     /// @param list  appended to
     /// @return true
     static bool GetVenderIdList(std::list<std::string>* list, std::string moduleName);
@@ -150,7 +154,7 @@ public:
     static bool GetHBAInfoList(std::list<std::map<std::string, std::string>>* list, std::string moduleName);
 
     /// Finds the port at a PCI location, of which `hbacmd` counts two functions a device, or eight on a bus where it
-    /// shows a function above 7.
+    /// shows a function above 7. The first digit of a bus decides for this, so a bus from 10 on always counts two.
     /// @param DeviceID  bus:device.function-rest, in hexadecimal
     /// @param info      emptied first; receives the record
     /// @return false if there is none: codes 1 for a null `info`, 13 for a wrong `DeviceID`, 14, 15 and 17
@@ -160,13 +164,14 @@ public:
     // ---- Versions ----
 
     /// Tells the version that runs now. It is read from a dump of the adapter in the cache, which `hbacmd` makes if
-    /// there is none, in up to three tries with a second between.
+    /// there is none, in up to three tries, each without a hit followed by a second's wait and a new adapter list.
     /// @param DeviceID      as for `GetHBAInfo`; names the cached dump too
-    /// @param version       receives the version: empty for EMULEX_MODULE_UNVERSIONED; for the firmware of "fc" without
-    ///                      a text in parentheses; untouched on failure
+    /// @param version       receives the version: empty for EMULEX_MODULE_UNVERSIONED; for the firmware of "fc" up to
+    ///                      the first "(", without blanks at its end; untouched on failure
     /// @param forceRefresh  has a new dump made
     /// @return false on failure: codes 1 for a null `version`, 5 to 9, 11, those of `GetHBAInfo`, or none if `hbacmd`
     ///         itself failed
+    /// @throws std::out_of_range as `GetHBAInfo` does
     static bool GetOperatingVersion(std::string DeviceID, EMULEX_MODULE_KIND kind, std::string* version,
                                     bool forceRefresh, std::string moduleName);
 
@@ -192,6 +197,7 @@ public:
     /// `CNetworkParameter::GetIfName` tells it, whose exception passes through.
     /// @param info  emptied first
     /// @return false on failure: codes 1 for a null `info`, and those of `GetHBAInfo`
+    /// @throws std::out_of_range as `GetHBAInfo` does
     static bool GetExtendedInfo(std::string DeviceID, std::list<std::pair<std::string, std::string>>* info,
                                 std::string moduleName);
 };

@@ -41,8 +41,7 @@ struct AdapterErrorRow {
 
 /// The codes in rising order.
 constexpr std::array<AdapterErrorRow, 23> kAdapterErrors = {{
-    {kInvalidArgument, "invalid-argument",
-     "A result pointer is null, or the marker of a finished update could not be deleted"},
+    {kInvalidArgument, "invalid-argument", "A result pointer is null, or the marker of an update could not be deleted"},
     {kNoDumpDirectory, "no-dump-directory", "hbacmd did not tell its dump directory"},
     {kNoDumpFile, "no-dump-file", "hbacmd wrote no dump of this adapter in three tries"},
     {kDumpNotCached, "dump-not-cached", "The adapter's dump could not be copied to the cache"},

@@ -7,7 +7,7 @@
 
 namespace kvl {
 
-/// The trace lines of one operation of a class with objects: "[ENTER] " and "[LEAVE] " with the operation's
+/// The trace lines of one operation: "[ENTER] " and "[LEAVE] " with the operation's
 /// signature at level 4, and notes that carry the signature in front.
 class OperationTrace {
 public:
