@@ -58,7 +58,8 @@ TEST_F(HbaInfoList, HasOneRecordForEachBlock) {
 }
 
 TEST_F(HbaInfoList, ReadsTheListOfTheWorkingTree) {
-    EXPECT_EQ(kListFile, "/opt/tarvenn/kvl/tmp/EMULEX/temp/Listhbas.txt");
+    machine.file("/opt/tarvenn/kvl/tmp/EMULEX/temp/Listhbas.txt", Port().block());
+    EXPECT_EQ(list(), (std::list<Record>{Port().record()}));
 }
 
 TEST_F(HbaInfoList, KnowsAPortByItsMacAddress) {
@@ -255,6 +256,34 @@ TEST_F(HbaInfo, RaisesForABusLineOfUnderSeventeenCharacters) {
     EXPECT_EQ(outOfRangeOf([&] { find("5:0.0"); }), "basic_string::substr");
     EXPECT_EQ(takeError(), 0U);
     EXPECT_EQ(TestHost::trace().back(), "1 [PCI Bus Number] is finded");
+}
+
+TEST_F(HbaInfo, RaisesForAShortBusLineOfAnotherPortToo) {
+    const std::string shortBlock = "PCI Bus Number:\n";
+    machine.file(kListFile, at("5", "0", "VM1").block() + shortBlock);
+    EXPECT_EQ(outOfRangeOf([&] { find("5:0.0"); }), "basic_string::substr");
+    machine.file(kListFile, at("5", "8", "VM8").block() + shortBlock);
+    EXPECT_EQ(find("5:1.0"), "VM8");  // the reading stops at the function above seven
+    EXPECT_EQ(outOfRangeOf([&] { find("6:1.0"); }), "basic_string::substr");
+}
+
+TEST_F(HbaInfo, TakesThePiecesOfALongLineForLines) {
+    const auto textWith = [](const std::string& lines) {
+        return "Port WWN       : a\n" + lines + "Port Type      : FC\nSerial No.     : VM8\n";
+    };
+    // The key begins with the 256th character, or is split before its last letters.
+    const std::string number = "Port Number    : 0";
+    const std::string location = "PCI Bus Number : 5\nPCI Function   : 8\n";
+    machine.file(kListFile, textWith(number + std::string(255 - number.size(), ' ') + location));
+    EXPECT_EQ(find("5:1.0"), "VM8");
+    EXPECT_EQ(find("5:4.0"), "(none)");
+    machine.file(kListFile, textWith(number + std::string(245 - number.size(), ' ') + location));
+    EXPECT_EQ(find("5:1.0"), "(none)");
+    // The next line behind the bus is the rest of its own.
+    machine.file(kListFile,
+                 textWith("Port Number    : 0\nPCI Bus Number : 5" + std::string(300, ' ') + "\nPCI Function   : 8\n"));
+    EXPECT_EQ(find("5:1.0"), "(none)");
+    EXPECT_EQ(find("5:4.0"), "VM8");
 }
 
 TEST_F(HbaInfo, RaisesForAFunctionLineOfUnderSeventeenCharacters) {

@@ -183,6 +183,20 @@ TEST_F(VenDevIdList, ListsAllFcDevicesOfTheOneVendor) {
     EXPECT_EQ(TestHost::trace(), kHardwareTrace);
 }
 
+TEST_F(VenDevIdList, TakesNoVendorInLowerCaseOrWithoutItsPrefix) {
+    const std::list<Entry> entries = {{"VEN_10df", "DEV_0700"}, {"10DF", "DEV_0710"}, {"VEN_10DF", "DEV_0720"}};
+    lay(kCnaFile, entries);
+    lay(kFcFile, entries);
+    EXPECT_EQ(hardwareIds("CnaVCFac.ini"), "PCI\\VEN_10DF&DEV_0720,||||");
+    EXPECT_EQ(hardwareIds("FcVCFac.ini"), "|||PCI\\VEN_10DF&DEV_0720,|");
+}
+
+TEST_F(VenDevIdList, HasFcDevicesOfAnyNumber) {
+    lay(kFcFile, {{"VEN_10DF", "DEV_0702"}, {"abcd10DF", "DEV_0704"}, {"VEN_10DF", "DEV_07001"}, {"VEN_10DF", "x"}});
+    EXPECT_EQ(hardwareIds("FcVCFac.ini"),
+              "|||PCI\\VEN_10DF&DEV_0702,PCI\\abcd10DF&DEV_0704,PCI\\VEN_10DF&DEV_07001,PCI\\VEN_10DF&x,|");
+}
+
 TEST_F(VenDevIdList, ReadsADeviceOnlyBehindAFittingVendor) {
     lay(kCnaFile, {{"VEN_8086", "a"}, {"VEN_10DF", "b"}});
     hardwareIds("CnaVCFac.ini");
@@ -215,6 +229,17 @@ TEST_F(VenderIdList, HoldsTheNumbersOfTheCnaCatalogueEachAsOftenAsItStandsThere)
     lay(kCnaFile, {{"VEN_19A2", ""}, {"VEN_10DF", ""}, {"VEN_8086", ""}, {"VEN_19A2", ""}, {"19A2", ""}, {"", ""}});
     lay(kFcFile, {{"VEN_10DF", ""}, {"VEN_10DF", ""}});
     EXPECT_EQ(vendors(), (Texts{"19A2", "10DF", "19A2"}));
+}
+
+TEST_F(VenderIdList, TakesNoVendorInLowerCaseOrWithoutItsPrefix) {
+    lay(kCnaFile, {{"VEN_10df", ""}, {"VEN_19a2", ""}, {"10DF", ""}, {"VEN_10DF", ""}});
+    EXPECT_EQ(vendors(), (Texts{"10DF"}));
+}
+
+TEST_F(VenderIdList, ReadsTheVendorsOnly) {
+    lay(kCnaFile, {{"VEN_10DF", "DEV_0700"}, {"VEN_19A2", "DEV_0702"}});
+    vendors();
+    EXPECT_EQ(profile().reads, (Lines{kCnaFile + " [SuportDevice] Vendor1", kCnaFile + " [SuportDevice] Vendor2"}));
 }
 
 TEST_F(VenderIdList, TracesItsStartAsTheModuleCnaAndItsEndAsTheCaller) {

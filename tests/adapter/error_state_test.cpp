@@ -74,5 +74,90 @@ TEST_F(LastError, IsNotClearedByASuccess) {
     EXPECT_EQ(CEmulexCommon::GetLastError(), 17U);
 }
 
+/// A machine with the tool, a list and a report, where an earlier call failed.
+class EarlierError : public AdapterTest {
+protected:
+    void SetUp() override {
+        AdapterTest::SetUp();
+        machine.anyCommand(kTool, "", {});
+        layList({Port()});
+        CEmulexCommon::SetLastError(kEarlier);
+    }
+
+    void TearDown() override {
+        EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlier);
+        AdapterTest::TearDown();
+    }
+
+    static constexpr unsigned long kEarlier = 7;
+};
+
+TEST_F(EarlierError, SurvivesTheFoundTool) {
+    std::string path;
+    EXPECT_TRUE(CEmulexCommon::GetProgramFilesFolder_(&path, module));
+    EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlier);
+    EXPECT_TRUE(CEmulexCommon::GetOCMManagerInstallPath(&path, module));
+    EXPECT_EQ(path, kTool);
+    EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlier);
+    EXPECT_THAT(CEmulexCommon::NecessaryComponentCheck(module), testing::IsEmpty());
+}
+
+TEST_F(EarlierError, SurvivesACommandWhetherItSucceedsOrFails) {
+    EXPECT_EQ(CEmulexCommon::ExecCommand_(kTool, module), 0);
+    EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlier);
+    machine.anyCommand(kTool, "", {1});
+    EXPECT_EQ(CEmulexCommon::ExecCommand_(kTool, module), -1);
+    EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlier);
+    machine.anyCommand(kTool, "", {});
+    EXPECT_EQ(CEmulexCommon::ExecCommand_(kTool + " > /tmp/empty", module), -1);
+}
+
+TEST_F(EarlierError, SurvivesTheReadersOfReportFiles) {
+    machine.file("/tmp/report.txt", "Tag\nKey: 1\nPort WWPN/MAC: id\n");
+    for (const std::string key : {"Key", "absent"}) {
+        std::pair<std::string, std::string> result;
+        EXPECT_TRUE(CEmulexCommon::GetKeyValueFromFile_("/tmp/report.txt", key, ":", result, module, 0));
+        EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlier) << key;
+        EXPECT_TRUE(CEmulexCommon::GetTagKeyValueFromFile_("/tmp/report.txt", "Tag", key, ":", result, module, 0));
+        EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlier) << key;
+    }
+    EXPECT_TRUE(CEmulexCommon::CheckDumpFileKeyWord_("/tmp/report.txt", "id", module));
+    EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlier);
+    EXPECT_FALSE(CEmulexCommon::CheckDumpFileKeyWord_("/tmp/report.txt", "another", module));
+}
+
+TEST_F(EarlierError, SurvivesTheSearchForTheLatestFile) {
+    machine.file(kDumps + "/a.txt", "");
+    EXPECT_EQ(CEmulexCommon::LatestFile(kDumps, "*.txt", module), kDumps + "/a.txt");
+    EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlier);
+    EXPECT_EQ(CEmulexCommon::LatestFile(kDumps, "*.log", module), "");
+}
+
+TEST_F(EarlierError, SurvivesTheDeviceCatalogue) {
+    const std::string entries = "[SuportDevice]\nSuportDeviceNum=1\nVendor1=VEN_10DF\nDevice1=DEV_0700\n";
+    for (const std::string name : {"CnaVCFac.ini", "FcVCFac.ini"}) {
+        machine.file(kInstallPath + "/" + name, entries);
+        std::list<std::string> numbers;
+        std::list<std::string> hardware;
+        EXPECT_TRUE(CEmulexCommon::GetDeviceIdList(name, &numbers, &numbers, &numbers, &numbers, module));
+        EXPECT_EQ(numbers.size(), 1U);
+        EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlier) << name;
+        EXPECT_TRUE(CEmulexCommon::GetVenDevIdList(name, &hardware, &hardware, &hardware, &hardware, module));
+        EXPECT_EQ(hardware.size(), 1U);
+        EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlier) << name;
+    }
+    std::list<std::string> vendors;
+    EXPECT_TRUE(CEmulexCommon::GetVenderIdList(&vendors, module));
+    EXPECT_EQ(vendors.size(), 1U);
+}
+
+TEST_F(EarlierError, SurvivesTheAdapterList) {
+    std::list<Record> records;
+    EXPECT_TRUE(CEmulexCommon::GetHBAInfoList(&records, module));
+    EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlier);
+    Record record;
+    EXPECT_TRUE(CEmulexCommon::GetHBAInfo("5:0.0", &record, module));
+}
+
 }  // namespace
 }  // namespace kvl::test

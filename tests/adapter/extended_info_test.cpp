@@ -117,6 +117,45 @@ TEST_F(ExtendedInfo, HasAnEmptyAddressIfTheRecordHasOneOfTheOtherKind) {
     EXPECT_EQ(info().front(), (std::pair<std::string, std::string>{"WWPN", ""}));
 }
 
+TEST_F(ExtendedInfo, OfANicPortWithoutAMacAddressHasAnEmptyOne) {
+    layPort("NIC", "Port WWN", "a");
+    libc().interfaces = {"eth0"};
+    machine.command("/bin/uname -r", "2.6.32\n");
+    machine.command("/usr/sbin/ethtool -i eth0", "bus-info: 0000:05:00.1\n");
+    EXPECT_EQ(info(), (Pairs{{"MAC Address", ""}, {"Bus/Dev/Func", "5/0/1"}, {"I/F Name", "eth0"}}));
+}
+
+TEST_F(ExtendedInfo, LooksForNoInterfaceOfAPortThatIsNoNic) {
+    libc().interfaces = {"eth0"};
+    for (const char* type : {"FC", "FCoE", "iSCSI", "SAS", "nic", "NIC2"}) {
+        SCOPED_TRACE(type);
+        layPort(type, "Port WWN", "a");
+        EXPECT_EQ(info().size(), 2U);
+        EXPECT_EQ(takeTrace(), (Lines{kStart} + adapterTrace(1, kLocationTrace) + kLocationTrace + Lines{kEnd}));
+    }
+    EXPECT_THAT(machine.commandsRun(), testing::IsEmpty());
+}
+
+TEST_F(ExtendedInfo, LeavesAnEarlierCodeAlone) {
+    layPort("FC", "Port WWN", "a");
+    CEmulexCommon::SetLastError(17);
+    info();
+    EXPECT_EQ(takeError(), 17U);
+}
+
+TEST_F(ExtendedInfo, RaisesForAListWithAShortBusLineAndIsEmpty) {
+    layPort("FC", "Port WWN", "a");
+    std::string text = contentOf(kListFile);
+    text.replace(text.find("PCI Bus Number : 5\n"), 19, "PCI Bus Number:\n");
+    machine.file(kListFile, text);
+    Pairs pairs = {{"earlier", "earlier"}};
+    EXPECT_EQ(outOfRangeOf([&] { CEmulexCommon::GetExtendedInfo(kDevice, &pairs, module); }), "basic_string::substr");
+    EXPECT_EQ(pairs, Pairs());
+    EXPECT_EQ(takeError(), 0U);
+    EXPECT_EQ(TestHost::trace().front(), kStart);
+    EXPECT_EQ(TestHost::trace().back(), "1 [PCI Bus Number] is finded");
+}
+
 TEST_F(ExtendedInfo, HasTheLocationInDecimal) {
     Port port;
     port.bus = "31";

@@ -200,6 +200,34 @@ TEST_F(OperatingVersion, FailsForAnUnknownKindThoughTheCacheIsThere) {
     }
 }
 
+TEST_F(OperatingVersion, IsNotReadFromTheFirmwareKeyOfTheOtherFamily) {
+    machine.file(kCnaCache, "Firmware Version: 1\n");
+    EXPECT_EQ(version(EMULEX_MODULE_FIRMWARE), "(none)");
+    EXPECT_EQ(takeError(), 9U);
+    EXPECT_EQ(takeTrace(), (Lines{startTrace(0), keyTrace(kCnaCache, "FW Version"), kFailedTrace}));
+    useModule("fc");
+    machine.file(kFcCache, "FW Version: 1\n");
+    EXPECT_EQ(version(EMULEX_MODULE_FIRMWARE), "(none)");
+    EXPECT_EQ(takeError(), 9U);
+    EXPECT_EQ(TestHost::trace(), (Lines{startTrace(0), keyTrace(kFcCache, "Firmware Version"), kFailedTrace}));
+    allowedModules = {"cna", "fc"};
+    EXPECT_THAT(machine.commandsRun(), testing::IsEmpty());
+}
+
+TEST_F(OperatingVersion, LeavesTheErrorStateAloneOnSuccess) {
+    layPort();
+    for (const bool isForced : {false, true}) {
+        machine.file(kCnaCache, kVersionLines);
+        CEmulexCommon::SetLastError(17);
+        EXPECT_EQ(version(EMULEX_MODULE_DRIVER, isForced), "8.3 (x)");
+        EXPECT_EQ(takeError(), 17U);
+        EXPECT_EQ(machine.commandsRun().empty(), !isForced);
+    }
+    CEmulexCommon::SetLastError(17);
+    EXPECT_EQ(version(EMULEX_MODULE_UNVERSIONED), "");
+    EXPECT_EQ(takeError(), 17U);
+}
+
 // ---- Refreshing the cache ----
 
 TEST_F(OperatingVersion, IsReadFromANewDumpWithoutACacheFile) {
@@ -256,6 +284,19 @@ TEST_F(OperatingVersion, OfAnUnknownKindFailsOnlyOnceTheCacheIsFilled) {
     EXPECT_EQ(takeError(), 8U);
     EXPECT_EQ(contentOf(kCnaCache), contentOf(kDump));
     EXPECT_EQ(TestHost::trace().back(), kFailedTrace);
+}
+
+TEST_F(OperatingVersion, OfAnUnknownKindReplacesTheCacheIfForced) {
+    layPort();
+    for (const int kind : {5, 6, -1}) {
+        SCOPED_TRACE(kind);
+        machine.file(kCnaCache, "old");
+        EXPECT_EQ(version(static_cast<EMULEX_MODULE_KIND>(kind), true), "(none)");
+        EXPECT_EQ(takeError(), 8U);
+        EXPECT_EQ(machine.commandsRun(), toolRuns({"dump " + kAddress, "GetDumpDirectory " + kAddress}));
+        EXPECT_EQ(contentOf(kCnaCache), contentOf(kDump));
+        machine.forgetCommands();
+    }
 }
 
 TEST_F(OperatingVersion, AsksByTheAddressThatTheTypeOfThePortCallsFor) {
@@ -337,6 +378,34 @@ TEST_F(OperatingVersion, FailsWithoutACodeIfTheDumpFails) {
                                   Lines{kFailedTrace}));
     EXPECT_EQ(machine.commandsRun(), toolRuns({"dump " + kAddress}));
     EXPECT_EQ(contentOf(kCnaCache), "(absent)");
+}
+
+TEST_F(OperatingVersion, LeavesAnEarlierCodeAloneIfTheToolFails) {
+    layPort();
+    machine.command(kTool + " GetDumpDirectory " + kAddress, "", {1});
+    CEmulexCommon::SetLastError(14);
+    EXPECT_EQ(version(), "(none)");
+    EXPECT_EQ(CEmulexCommon::GetLastError(), 14U);
+    machine.command(kTool + " dump " + kAddress, "", {1});
+    EXPECT_EQ(version(), "(none)");
+    EXPECT_EQ(CEmulexCommon::GetLastError(), 14U);
+    EXPECT_EQ(machine.commandsRun(),
+              toolRuns({"dump " + kAddress, "GetDumpDirectory " + kAddress, "dump " + kAddress}));
+}
+
+TEST_F(OperatingVersion, RaisesForAListWithAShortBusLine) {
+    layPort();
+    std::string text = contentOf(kListFile);
+    text.replace(text.find("PCI Bus Number : 5\n"), 19, "PCI Bus Number:\n");
+    machine.file(kListFile, text);
+    std::string result = "earlier";
+    EXPECT_EQ(outOfRangeOf(
+                  [&] { CEmulexCommon::GetOperatingVersion(kDevice, EMULEX_MODULE_FIRMWARE, &result, true, module); }),
+              "basic_string::substr");
+    EXPECT_EQ(result, "earlier");
+    EXPECT_EQ(takeError(), 0U);
+    EXPECT_EQ(TestHost::trace().back(), "1 [PCI Bus Number] is finded");
+    EXPECT_THAT(machine.commandsRun(), testing::IsEmpty());
 }
 
 TEST_F(OperatingVersion, FailsWithoutACodeIfASignalEndsTheDump) {
@@ -423,6 +492,17 @@ TEST_F(OperatingVersion, FailsAfterThreeDumpsOfAnotherPort) {
     EXPECT_EQ(TestHost::sleeps(), (std::vector<unsigned long>{1000, 1000, 1000}));
     EXPECT_EQ(contentOf(kListFile), newList);
     EXPECT_EQ(contentOf(kCnaCache), "(absent)");
+}
+
+TEST_F(OperatingVersion, PausesBeforeTheListIsRefreshed) {
+    layPort();
+    layDump("another");
+    machine.command(kTool + " listhbas", "x\n");
+    Lines lastRuns;
+    TestHost::onSleep([&] { lastRuns.push_back(machine.commandsRun().back()); });
+    EXPECT_EQ(version(), "(none)");
+    EXPECT_EQ(lastRuns, Lines(3, kTool + " GetDumpDirectory " + kAddress));
+    EXPECT_EQ(machine.commandsRun().back(), kTool + " listhbas");
 }
 
 TEST_F(OperatingVersion, SucceedsWithADumpOfTheThirdTry) {
@@ -553,6 +633,19 @@ TEST_F(UpdateMarker, SearchesTheCacheOfItsFamilyAndGoesOnIfAFileCannotBeDeleted)
         fs::remove_all("/\"");
         fs::remove_all(directory);
     }
+}
+
+TEST_F(UpdateMarker, IsDeletedBehindTheCachedDumps) {
+    machine.file(kMarker, "text");
+    const std::string found = kWorkRoot + "/cache/CNA/cache_dump_1.txt";
+    machine.file(found, "text");
+    machine.directory("/\"" + found + "\"");  // can't be deleted as a file, so there are pauses
+    Lines markers;
+    TestHost::onSleep([&] { markers.push_back(contentOf(kMarker)); });
+    EXPECT_TRUE(clearUp());
+    EXPECT_EQ(markers, Lines(5, "text"));
+    EXPECT_EQ(contentOf(kMarker), "(absent)");
+    EXPECT_EQ(TestHost::deletions().back(), kMarker);
 }
 
 TEST_F(UpdateMarker, FailsIfItCannotBeDeleted) {

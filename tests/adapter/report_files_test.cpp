@@ -235,6 +235,14 @@ TEST_F(TagReader, KnowsSeveralTagsAndKeys) {
     EXPECT_EQ(readTagged("One|Two", "A|B"), (KeyValue{"B", "x y"}));
 }
 
+TEST_F(TagReader, TakesACarriageReturnInATagLineForABlank) {
+    machine.file(kFile, "A\rB\nKey: 1\n");
+    EXPECT_EQ(readTagged("A B", "Key").second, "1");
+    EXPECT_EQ(readTagged("A\rB", "Key"), (KeyValue{}));
+    machine.file(kFile, "AB\r\nKey: 1\n");
+    EXPECT_EQ(readTagged("AB  ", "Key").second, "1");  // the line end is two blanks
+}
+
 TEST_F(TagReader, GoesOnBehindALineThatYieldsNothing) {
     machine.file(kFile, "Tag\nKey\nKey:  \nB: 1 Key\nKey: x\n");
     EXPECT_EQ(readTagged("Tag", "Key|B"), (KeyValue{"Key", "x"}));
@@ -321,6 +329,24 @@ TEST_F(DumpFileKeyWord, IsNotFoundInAnotherSpelling) {
 TEST_F(DumpFileKeyWord, MayStandAnywhereInALaterLine) {
     machine.file(kFile, "x\n  the Port WWPN/MAC: " + kAddress + "0\n");
     EXPECT_TRUE(CEmulexCommon::CheckDumpFileKeyWord_(kFile, kAddress, "cna"));
+}
+
+TEST_F(DumpFileKeyWord, IsComparedWithTheLineEndAsItStands) {
+    machine.file(kFile, "Port WWPN/MAC: id\r\n");
+    EXPECT_FALSE(CEmulexCommon::CheckDumpFileKeyWord_(kFile, "id ", "cna"));
+    EXPECT_TRUE(CEmulexCommon::CheckDumpFileKeyWord_(kFile, "id\r\n", "cna"));
+}
+
+TEST_F(DumpFileKeyWord, IsLostWhereItIsSplitBetweenTwoPiecesOfALine) {
+    const std::string text = "Port WWPN/MAC: " + kAddress;
+    for (const std::string::size_type start : {255 - text.size() + 1, std::string::size_type{254}}) {
+        machine.file(kFile, std::string(start, 'x') + text + "\n");
+        EXPECT_FALSE(CEmulexCommon::CheckDumpFileKeyWord_(kFile, kAddress, "cna")) << start;
+    }
+    for (const std::string::size_type start : {255 - text.size(), std::string::size_type{255}}) {
+        machine.file(kFile, std::string(start, 'x') + text + "\n");
+        EXPECT_TRUE(CEmulexCommon::CheckDumpFileKeyWord_(kFile, kAddress, "cna")) << start;
+    }
 }
 
 TEST_F(DumpFileKeyWord, IsNotFoundInAFileThatCannotBeOpened) {
@@ -419,7 +445,7 @@ TEST_F(Latest, PassesOverNamesWithABlank) {
                                   Lines{latestEndTrace("/var/dumps/c.txt")}));
 }
 
-TEST_F(Latest, TakesDirectoriesAsFiles) {
+TEST_F(Latest, PassesOverTheDirectoriesThatThePatternMatches) {
     machine.directory("/var/dumps/d.txt");
     setModified("/var/dumps/d.txt", 1000);
     EXPECT_EQ(latest("/var", "dum*/d.txt"), "");  // an empty directory lists nothing

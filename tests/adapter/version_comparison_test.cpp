@@ -156,6 +156,7 @@ TEST_F(VersionComparison, RefusesAVersionOfFourFieldsWithTheWrongForm) {
         TestHost::forget();
         EXPECT_EQ(compare("1.2.3.4", version), 0);
         EXPECT_EQ(takeError(), kBadForm);
+        EXPECT_EQ(TestHost::operatorMessages(), (Lines{"cna MSGID_EMULEX_0020_F 1e"}));
         EXPECT_EQ(takeTrace(), badFormTrace("1.2.3.4", version));
     }
 }
@@ -168,6 +169,27 @@ TEST_F(VersionComparison, TellsTheOperatorByTheMessageOfTheFamily) {
     }
     EXPECT_EQ(TestHost::operatorMessages(), (Lines{"cna MSGID_EMULEX_0020_F 1e", "fc MSGID_EMULEX_FC_0019_F 1e",
                                                    "test-module MSGID_EMULEX_FC_0019_F 1e"}));
+}
+
+TEST_F(VersionComparison, TellsTheOperatorBeforeTheResultIsTraced) {
+    const std::string good = "1.2.3.4";
+    for (const std::string bad : {"", "1.2.3", "1.2.3.4.5", "1.2a.3.4", "1.2.3.a"}) {
+        for (const bool isFirst : {true, false}) {
+            SCOPED_TRACE(bad);
+            Lines toldBefore;
+            int results = 0;
+            TestHost::onTrace([&](const std::string& line) {
+                if (line == "2 Return=[0]") {
+                    toldBefore = TestHost::operatorMessages();
+                    ++results;
+                }
+            });
+            EXPECT_EQ(isFirst ? compare(bad, good) : compare(good, bad), 0);
+            EXPECT_EQ(results, 1);
+            EXPECT_EQ(toldBefore, (Lines{"cna MSGID_EMULEX_0020_F 1e"}));
+            TestHost::forget();
+        }
+    }
 }
 
 // ---- Two fields ----
@@ -211,6 +233,23 @@ TEST_F(FcFirmwareComparison, GivesTheComparisonOfTheLettersAsItIsAndSetsNoCode) 
     EXPECT_GT(compareFirmware("2.72a2", "2.72b2"), 0);
     EXPECT_LT(compareFirmware("2.72b2", "2.72a2"), 0);
     EXPECT_EQ(compareFirmware("2.72a9", "2.72abc1"), 2);  // two letters more
+}
+
+TEST_F(FcFirmwareComparison, TracesTheComparisonOfTheLettersAsItIs) {
+    EXPECT_EQ(compareFirmware("2.72a9", "2.72abc1"), 2);
+    EXPECT_EQ(TestHost::trace(), (comparedTrace("2.72a9", "2.72abc1", 2,
+                                                {"1 Version1 Seg1 = (2), seg2 =(72), seg3=(a), seg4=(9)",
+                                                 "1 Version2 Seg1 = (2), seg2 =(72), seg3=(abc), seg4=(1)"})));
+}
+
+TEST_F(FcFirmwareComparison, LeavesAnEarlierCodeAloneForEqualVersionsAndForOtherLetters) {
+    CEmulexCommon::SetLastError(17);
+    EXPECT_EQ(compareFirmware("2.72a2", "2.72a2"), 0);
+    EXPECT_EQ(CEmulexCommon::GetLastError(), 17U);
+    EXPECT_GT(compareFirmware("2.72a2", "2.72b2"), 0);
+    EXPECT_EQ(CEmulexCommon::GetLastError(), 17U);
+    EXPECT_LT(compareFirmware("2.72b2", "2.72a2"), 0);
+    EXPECT_EQ(takeError(), 17U);
 }
 
 TEST_F(FcFirmwareComparison, TakesAllCharactersBetweenTheNumbersForTheLetters) {
