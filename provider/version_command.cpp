@@ -53,8 +53,8 @@ Answer tell(const VersionOptions& options) {
     }
     Answer answer;
     answer.text = printable(found.version) + "\n";
-    answer.document = {
-        {"device", options.device}, {"kind", options.kind->name}, {"family", family}, {"version", found.version}};
+    answer.document = jsonText(
+        {{"device", options.device}, {"kind", options.kind->name}, {"family", family}, {"version", found.version}});
     return answer;
 }
 

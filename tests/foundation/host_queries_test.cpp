@@ -326,6 +326,24 @@ TEST_F(CheckRAMDISK, FindsNoTitleForANegativeNumber) {
     EXPECT_EQ(detailsTraced(), (Lines{"1 iDefault=-2", "1 found title line(title one)"}));
 }
 
+TEST_F(CheckRAMDISK, WrapsADefaultNumberThatDoesNotFit) {
+    EXPECT_EQ(judge("default=4294967295\ntitle one\ninitrd /" + kInitramfs + "\n"), 255);
+    EXPECT_EQ(detailsTraced().front(), "1 iDefault=-1");
+    EXPECT_EQ(judge("default=4294967296\ntitle one\ninitrd /" + kInitramfs + "\n"), 0);
+}
+
+TEST_F(CheckRAMDISK, LooksAtTheFirstOfTwoTitlesInALine) {
+    EXPECT_EQ(judge("default=0\nx title title\ntitle old title\ninitrd /" + kInitramfs + "\n"), 0);
+    EXPECT_THAT(detailsTraced(), testing::Contains("1 found title line(title old title)"));
+}
+
+TEST_F(CheckRAMDISK, BeginsTheNameAtALetterOrADigitAndEndsItAtABlankAlone) {
+    judge("default=0\ntitle one\ninitrd /2.6.img more\n");
+    EXPECT_EQ(detailsTraced().back(), compared("2.6.img"));
+    EXPECT_EQ(judge("default=0\ntitle one\ninitrd /" + kInitramfs + "\tmore\n"), 1);
+    EXPECT_EQ(detailsTraced().back(), compared(kInitramfs + "\tmore"));
+}
+
 // ---- DriverFileCheck ----
 
 TEST_F(DriverFileCheck, AcceptsTheExpectedVersion) {

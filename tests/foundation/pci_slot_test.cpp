@@ -82,6 +82,7 @@ TEST_F(GetPCISlotNo, ReadsTheHexadecimalNumberInFront) {
     EXPECT_EQ(numberOf("0:x"), 0);
     EXPECT_EQ(numberOf("1F:00.1-foo:bar"), 31);
     EXPECT_EQ(numberOf("7fffffff:0"), 2147483647);
+    EXPECT_EQ(numberOf("10000000b:1"), 11);  // the low 32 bits
 }
 
 TEST_F(GetPCISlotNo, NeedsSomethingBehindTheColon) {
