@@ -126,15 +126,15 @@ TEST_F(ExecForeignModule, KeepsTheCallersDescriptorsWithoutAResultFile) {
 }
 
 TEST_F(ExecForeignModule, RunsInTheWorkDirectory) {
-    machine.directory("/tmp/work");
-    EXPECT_EQ(run("pwd", kResult, "/tmp/work"), 0U);
-    EXPECT_EQ(contentOf(kResult), "/tmp/work\n");
+    machine.directory("/tmp/place");
+    EXPECT_EQ(run("pwd", kResult, "/tmp/place"), 0U);
+    EXPECT_EQ(contentOf(kResult), "/tmp/place\n");
 }
 
 TEST_F(ExecForeignModule, FindsTheResultFileFromTheWorkDirectory) {
-    machine.directory("/tmp/work");
-    EXPECT_EQ(run("echo there", "here", "/tmp/work"), 0U);
-    EXPECT_EQ(contentOf("/tmp/work/here"), "there\n");
+    machine.directory("/tmp/place");
+    EXPECT_EQ(run("echo there", "here", "/tmp/place"), 0U);
+    EXPECT_EQ(contentOf("/tmp/place/here"), "there\n");
 }
 
 TEST_F(ExecForeignModule, RefusesAnEmptyCommandWithoutAProcess) {

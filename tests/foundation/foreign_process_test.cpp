@@ -77,9 +77,9 @@ TEST_F(POpenForeignModule, ClosesStandardError) {
 }
 
 TEST_F(POpenForeignModule, RunsInTheWorkDirectory) {
-    machine.directory("/tmp/work");
-    EXPECT_EQ(run("pwd", "/tmp/work"), 0U);
-    EXPECT_EQ(takeOutput(), "/tmp/work\n");
+    machine.directory("/tmp/place");
+    EXPECT_EQ(run("pwd", "/tmp/place"), 0U);
+    EXPECT_EQ(takeOutput(), "/tmp/place\n");
 }
 
 TEST_F(POpenForeignModule, RefusesAnEmptyCommand) {
