@@ -21,6 +21,12 @@ inline int toSwitch(const std::string& value) {
     return beginsWith(value, "on") ? 1 : 0;
 }
 
+/// @return the PCI location in a bus information: of 0000:03:00.0 that is 03:00.0
+/// @throws std::out_of_range "basic_string::substr" for one of under five characters
+inline std::string pciLocation(const std::string& busInfo) {
+    return cut(busInfo, 5, 7);
+}
+
 /// A record dump goes through a buffer of 1024 bytes. @return what of it fits
 inline std::string cutToDump(const std::string& text) {
     return text.substr(0, 1023);

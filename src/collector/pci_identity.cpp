@@ -2,6 +2,7 @@
 #include <stdexcept>
 
 #include "collector/CNetworkParameter.h"
+#include "collector/parsing.h"
 #include "foundation/CTextFileParser.h"
 #include "foundation/line_reader.h"
 #include "foundation/operation_trace.h"
@@ -13,10 +14,6 @@ namespace {
 constexpr int kVendorField = 3;
 constexpr int kDeviceField = 5;
 constexpr std::array<int, 4> kIdFields = {kVendorField, kDeviceField, 7, 9};
-
-// A PCI location stands in a text such as 0000:03:00.0.
-constexpr std::string::size_type kLocationStart = 5;
-constexpr std::string::size_type kLocationLength = 7;
 
 }  // namespace
 
@@ -61,7 +58,7 @@ void CNetworkParameter::GetVendorID(std::string ifname, std::string& vendor) {
     GetPhysicalInterfaceName(ifname, physical);
     if (const EthtoolResult* ethtool = GetEthtoolData(physical)) {
         try {
-            const std::string location = kvl::cut(ethtool->driver_info.bus_info, kLocationStart, kLocationLength);
+            const std::string location = kvl::pciLocation(ethtool->driver_info.bus_info);
             std::string ids;
             GetFourIds(location, ids);
             CTextFileParser::GetStrInFixedPosition(ids, 1, vendor);

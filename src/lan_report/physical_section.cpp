@@ -1,16 +1,12 @@
 #include <array>
 
+#include "collector/parsing.h"
 #include "foundation/CTextFileParser.h"
 #include "foundation/operation_trace.h"
-#include "foundation/text.h"
 #include "lan_report/CLanXmlWriter.h"
 #include "lan_report/values.h"
 
 namespace {
-
-// A slot stands in a text such as 0000:03:00.0.
-constexpr std::string::size_type kSlotStart = 5;
-constexpr std::string::size_type kSlotLength = 7;
 
 struct IdColumn {
     const char* name;
@@ -28,7 +24,7 @@ CKvlXmlNode generalInf(CLanXmlWriter& writer, CNetworkParameter& collector, cons
                        const IfconfigResult& ifconfig) {
     CKvlXmlNode node("general-inf");
     writer.AddXmlElement(node, "PCI Bus/Dev/Func", ethtool.driver_info.businfo);
-    const std::string slot = kvl::cut(ethtool.driver_info.bus_info, kSlotStart, kSlotLength);
+    const std::string slot = kvl::pciLocation(ethtool.driver_info.bus_info);
     std::string ids;
     collector.GetFourIds(slot, ids);
     for (const IdColumn& row : kIdColumns) {
