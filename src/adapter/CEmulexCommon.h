@@ -200,6 +200,103 @@ public:
     /// @throws std::out_of_range as `GetHBAInfo` does
     static bool GetExtendedInfo(std::string DeviceID, std::list<std::pair<std::string, std::string>>* info,
                                 std::string moduleName);
+
+    // ---- Running updaters ----
+
+    /// Runs an updater without a limit of time and judges its outcome. What it has done stays, however it is judged.
+    /// @param command      a text for `sh -c`
+    /// @param resultFile   created or emptied; receives its standard output
+    /// @param workDir      where it runs; empty for here
+    /// @param returnCode   receives its exit status; 255 if it didn't run or was ended by a signal
+    /// @param reportDir    where it leaves a report, whose files *.txt are deleted first; empty: nothing is deleted
+    /// @param messageFile  for the rules 3 and 4: a text file of lines "SuccessMessage=" and "EndMessage=", up to five
+    ///                     each. The output must come to hold an end text, where there is one, in up to 150 seconds,
+    ///                     and must hold a success text
+    /// @param Resultmode   the rule: 1 the exit status is 0; 2 the output's first line is "0"; 3 the output holds the
+    ///                     texts; 4 the only report holds them. Any other number fails behind the run, without a code
+    /// @return true if the rule is met; codes 17 (not run, or no file for the rule) and 33 (judged a failure); none if
+    ///         rule 4 finds no report
+    static bool EmulexUpdate(std::string command, std::string resultFile, std::string workDir,
+                             unsigned long* returnCode, std::string reportDir, std::string messageFile, int Resultmode,
+                             std::string moduleName);
+
+    /// Judges an updater's output by a message file, as `EmulexUpdate` does: looks for an end text, where there is one,
+    /// every 30 seconds up to five times, the first time after 30 seconds, and then for a success text.
+    /// @return true if both are found; codes 17 (a file can't be opened), 36 (no end text), 37 (no success text), or
+    ///         none for a message file without a success text
+    static bool CheckUpdateResult_(std::string resultFile, std::string messageFile, std::string moduleName);
+
+    /// Leaves the marker of an update, UpdateProceeding.txt, an empty file. One that is there stays as it is.
+    /// @param directory  where `DelOperatingVersion_` will look for it
+    /// @return false if it can't be made (code 17)
+    static bool UpdateProceedingFileCreate_(std::string directory, std::string moduleName);
+
+    // ---- Updates ----
+
+    /// Updates the firmware, and boot code where the family has it, of one adapter function from an update module, by
+    /// `hbacmd Download`. Boot code goes first, and its failure keeps the firmware from being touched. Without a
+    /// message file in the module the firmware is sent up to four times, until the tool prints "Download Complete".
+    /// The tool's output goes into temp/CNA/firm/temp_hbacmd_Download.txt of the working tree, or temp/FC/firm: the
+    /// caller makes that directory.
+    /// @param DeviceID     as for `GetHBAInfo`; the caller has run `hbacmd listhbas`
+    /// @param moduleDir    where the module's files lie
+    /// @param unzipFolder  is deleted first, receives the unpacked module, and is deleted after a success
+    /// @param hbacmdPath   the tool
+    /// @param moduleFiles  names of the module's files; the first that holds ".zip" is unpacked
+    /// @param uniqueName   the family: OCe11102, OCl14104, fcelx_16g, fcelx_8g1p, or a name that begins with
+    ///                     fcelx_8g2p. The first three are updated through function 0 alone
+    /// @return true if updated, or skipped since the function isn't 0, as it also is for an unknown family; codes 13,
+    ///         15 to 17, 19, 26 to 29. The code 28 can mean that only the folder is left over
+    /// @throws std::out_of_range as `GetHBAInfo` does
+    static bool FwUpdate(std::string DeviceID, std::string moduleDir, std::string unzipFolder, std::string hbacmdPath,
+                         std::list<std::string>* moduleFiles, bool unused, std::string moduleName,
+                         std::string uniqueName);
+
+    /// Tells whether the management tool stands as a silent install left it: by the settings in /etc/emulexDiscConfig
+    /// and /etc/emulexRMConfig, and by `rpm -qa`, which must not name elxocmjvm. The answer of the latter goes into
+    /// temp/rpm_grep_result.txt of the working tree.
+    /// @param ModuleKind  for the trace alone
+    /// @return true if so; false if not, or if it can't be told: code 17 for a settings file that can't be opened, none
+    ///         otherwise
+    static bool OCMInstallCheck(std::string unused, std::string ModuleKind, std::string moduleName);
+
+    /// Replaces the management tool by the one in an update module: runs uninstall.sh and then install.sh -q from the
+    /// directory x86 or x64 of the module, judged by message.txt there. Their outputs go into
+    /// temp/temp_ocm_uninstall.txt and temp/temp_ocm_install.txt of the working tree; while the latter exists, be it
+    /// of an install that failed, every further call is skipped. The module stays unpacked in temp/tmp.
+    /// @param moduleDir    where the module's files lie
+    /// @param moduleFiles  their names; the first that holds ".zip" is unpacked
+    /// @return true if updated or skipped; codes 19, 26 and 28, each with an operator message, 17 (a script failed; the
+    ///         old tool may be gone) and 29, or none for a machine that is neither x86 nor x64
+    static bool OCMUpdate(std::string unused1, std::string moduleDir, std::list<std::string>* moduleFiles, bool unused2,
+                          std::string moduleName);
+
+    // ---- Marked updates: SequentialUpdateFile_NIC.txt, _FCoE.txt and _iSCSI.txt in temp of the working tree ----
+
+    /// Marks a kind of update. The mark outlasts the process.
+    /// @param kind  1 NIC, 2 FCoE, 3 iSCSI; nothing is marked for another number, which is no error
+    /// @return false if the mark can't be written (code 17)
+    static bool SequentialUpadateFileWrite(int kind, std::string unused1, std::string unused2, std::string moduleName);
+
+    /// Hands the marked kinds back and takes all marks away.
+    /// @param kinds  receives "NIC", "FCoE" and "iSCSI", in this order, as far as they are marked, and nothing else
+    /// @return false if a mark can't be deleted: it stays, as those behind it do. Code 17 tells of each kind that isn't
+    ///         marked, also after a success
+    static bool SequentialUpadateFileRead(std::list<std::string>* kinds, std::string moduleName);
+
+    // ---- Boot files ----
+
+    /// Has `depmod -a` prefer the updated drivers: adds the override lines, where they are missing, to elxbe2net.conf,
+    /// elxlpfc.conf and elxbe2iscsi.conf in /etc/depmod.d, and runs it. Without a driver nothing is done.
+    /// @return false if a file can't be opened (code 17), which keeps neither the others nor `depmod` from being done,
+    ///         or if `depmod` fails (no code)
+    static bool DepmodExecute(bool be2netOverride, bool lpfcOverride, bool be2iscsiOverride, std::string moduleName);
+
+    /// Rebuilds the initial RAM disk of the running kernel, on a release 6 alone: moves it to
+    /// /boot/initramfs-`uname -r`.img.org and runs `dracut`.
+    /// @return true if done, or if there is nothing to do on this release; false if a command fails (no code). If
+    ///         `dracut` does, the kernel is left without its image: nothing moves it back
+    static bool DracutExcute(std::string moduleName);
 };
 
 #endif

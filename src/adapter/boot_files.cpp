@@ -1,0 +1,130 @@
+#include <array>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include "adapter/CEmulexCommon.h"
+#include "adapter/adapter_trace.h"
+#include "adapter/update_failure.h"
+#include "foundation/CCommon_Information.h"
+#include "foundation/boundary_trace.h"
+#include "foundation/shell_child.h"
+#include "foundation/text.h"
+
+using kvl::AdapterTrace;
+
+namespace {
+
+/// The configuration file by which `depmod` prefers a driver's newer modules.
+struct Override {
+    const char* path;
+    const char* search;  ///< A file that holds this anywhere has its lines already.
+    const char* updates;
+    const char* plain;
+};
+
+constexpr std::array<Override, 3> kOverrides = {{
+    {"/etc/depmod.d/elxbe2net.conf", "override be2net", "override be2net * weak-updates/updates/be2net",
+     "override be2net * weak-updates/be2net"},
+    {"/etc/depmod.d/elxlpfc.conf", "override lpfc", "override lpfc * weak-updates/updates/elx-lpfc",
+     "override lpfc * weak-updates/elx-lpfc"},
+    {"/etc/depmod.d/elxbe2iscsi.conf", "override be2iscsi", "override be2iscsi * weak-updates/updates/be2iscsi",
+     "override be2iscsi * weak-updates/be2iscsi"},
+}};
+
+constexpr const char* kDepmodCommand = "depmod -a";
+
+/// A command that replaces the initial RAM disk of the running kernel, and how its failure is traced.
+struct ImageCommand {
+    const char* command;
+    const char* failure;
+};
+
+constexpr std::array<ImageCommand, 2> kImageCommands = {{
+    {"mv -f  /boot/initramfs-`uname -r`.img  /boot/initramfs-`uname -r`.img.org", "mv -f command error.(%d,%d)"},
+    {"dracut /boot/initramfs-`uname -r`.img", "dracut command error.(%d,%d)"},
+}};
+
+bool holdsLine(const char* path, const char* text) {
+    std::ifstream file(path);
+    std::string line;
+    while (std::getline(file, line)) {
+        if (kvl::holds(line, text)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// @return false if the lines are missing and the file can't be opened
+bool addOverride(const Override& row, const AdapterTrace& trace) {
+    if (holdsLine(row.path, row.search)) {
+        return true;
+    }
+    std::ofstream file(row.path, std::ios::app);
+    if (!file.is_open()) {
+        return kvl::failToOpen(row.path, trace);
+    }
+    file << '\n' << row.updates << '\n' << row.plain << '\n';
+    return true;
+}
+
+bool runDepmod(const AdapterTrace& trace) {
+    trace.flow("Execute depmod command by _tsystem method [%s]", kDepmodCommand);
+    const int status = std::system(kDepmodCommand);
+    if (status != 0) {
+        trace.error("depmod -a error.(%d)", status);
+        return false;
+    }
+    trace.flow("depmod -a ok.");
+    return true;
+}
+
+bool runImageCommand(const ImageCommand& image, const AdapterTrace& trace) {
+    unsigned long exitCode = 0;
+    const unsigned long result =
+        CCommon_Information::ExecForeignModule(image.command, "", "", &exitCode, kvl::kNoTimeout);
+    if (result == kvl::kFailed || exitCode != 0) {
+        // kept: a detail, and no error.
+        trace.flow(image.failure, static_cast<int>(result), static_cast<int>(exitCode));
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+bool CEmulexCommon::DepmodExecute(bool be2netOverride, bool lpfcOverride, bool be2iscsiOverride,
+                                  std::string moduleName) {
+    const kvl::BoundaryTrace boundaries(moduleName, "CEmulexCommon::DepmodExecute()");
+    const AdapterTrace trace(moduleName);
+    const std::array<bool, kOverrides.size()> isWanted = {be2netOverride, lpfcOverride, be2iscsiOverride};
+    bool anyWanted = false;
+    bool areAdded = true;
+    for (std::size_t row = 0; row < kOverrides.size(); ++row) {
+        if (isWanted[row]) {
+            anyWanted = true;
+            areAdded = addOverride(kOverrides[row], trace) && areAdded;
+        }
+    }
+    return !anyWanted || (runDepmod(trace) && areAdded);
+}
+
+bool CEmulexCommon::DracutExcute(std::string moduleName) {
+    const kvl::BoundaryTrace boundaries(moduleName, "CEmulexCommon::DracutExcute()");
+    const AdapterTrace trace(moduleName);
+    const std::string release = CCommon_Information::GetResultLine("cat /etc/redhat-release");
+    if (release.empty()) {
+        trace.flow("cat /etc/redhat-releas command error.");
+    }
+    if (!kvl::holds(release, "release 6")) {
+        return true;
+    }
+    for (const ImageCommand& image : kImageCommands) {
+        // kept: where the second one fails, the image stays under its new name.
+        if (!runImageCommand(image, trace)) {
+            return false;
+        }
+    }
+    return true;
+}

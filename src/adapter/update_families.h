@@ -1,0 +1,47 @@
+#ifndef KVL_ADAPTER_UPDATE_FAMILIES_H
+#define KVL_ADAPTER_UPDATE_FAMILIES_H
+
+#include <array>
+#include <string>
+
+#include "foundation/text.h"
+
+namespace kvl {
+
+/// How the adapters of one family are updated.
+struct UpdateFamily {
+    const char* uniqueName;
+    bool isBeginning;           ///< A name counts that begins so; otherwise it must be equal.
+    bool updatesEveryFunction;  ///< Otherwise function 0 alone, which brings the others along.
+    const char* firmwarePattern;
+    const char* bootCodePattern;  ///< Null without boot code of its own.
+    const char* addressKey;       ///< What the adapter list calls the address that the tool wants.
+    const char* noAddress;        ///< What is traced where it is missing.
+};
+
+constexpr const char* kMacKey = "Permanent MAC";
+constexpr const char* kWwnKey = "Port WWN";
+constexpr const char* kNoMac = "Failed to get MAC Address";
+constexpr const char* kNoWwn = "Failed to get WWPN";
+
+constexpr std::array<UpdateFamily, 5> kUpdateFamilies = {{
+    {"OCe11102", false, false, "*.ufi", nullptr, kMacKey, kNoMac},
+    {"OCl14104", false, false, "*.ufi", nullptr, kMacKey, kNoMac},
+    {"fcelx_16g", false, false, "*.grp", nullptr, kWwnKey, kNoWwn},
+    {"fcelx_8g1p", false, true, "*.all", "*.prg", kWwnKey, kNoWwn},
+    {"fcelx_8g2p", true, true, "*.all", "*.prg", kWwnKey, kNoWwn},
+}};
+
+/// @return the family of an adapter, null for a name that is none
+inline const UpdateFamily* findUpdateFamily(const std::string& uniqueName) {
+    for (const UpdateFamily& family : kUpdateFamilies) {
+        if (family.isBeginning ? beginsWith(uniqueName, family.uniqueName) : uniqueName == family.uniqueName) {
+            return &family;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace kvl
+
+#endif
