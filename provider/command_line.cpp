@@ -5,11 +5,11 @@
 #include <iostream>
 #include <sstream>
 
-#include "provider/adapter_commands.h"
+#include "provider/adapters/adapter_commands.h"
 #include "provider/exit_codes.h"
 #include "provider/provider_error.h"
 #include "provider/replay_command.h"
-#include "provider/report_command.h"
+#include "provider/report/report_command.h"
 
 namespace kvl::provider {
 namespace {

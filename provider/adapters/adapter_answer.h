@@ -1,0 +1,44 @@
+#ifndef KVL_PROVIDER_ADAPTERS_ADAPTER_ANSWER_H
+#define KVL_PROVIDER_ADAPTERS_ADAPTER_ANSWER_H
+
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "provider/adapters/adapter_failure.h"
+#include "provider/exit_codes.h"
+
+namespace CLI {
+class App;
+}
+
+namespace kvl::provider {
+
+enum class AnswerFormat { kText, kJson };
+
+/// What an adapter command has found out.
+struct Answer {
+    std::string text;
+    std::string document;            ///< the same for programs: JSON
+    std::vector<std::string> notes;  ///< sentences on what could not be had
+    ExitCode exitCode = kReportWritten;
+};
+
+/// Adds --format.
+/// @param format  receives what was given; must live as long as the command
+void addAnswerFormat(CLI::App& command, AnswerFormat& format);
+
+/// Finds an answer and prints it. What can't be answered is told as a document too, where one was asked for.
+/// @return the exit code
+int printAnswer(AnswerFormat format, const std::function<Answer()>& find);
+
+/// The text of a document. What the tool prints needn't be UTF-8, which documents are, so what isn't is replaced.
+std::string jsonText(const nlohmann::ordered_json& document);
+
+/// A failure for programs.
+nlohmann::ordered_json document(const Failure& failure);
+
+}  // namespace kvl::provider
+
+#endif

@@ -1,0 +1,48 @@
+#ifndef KVL_PROVIDER_ADAPTERS_ADAPTER_FAILURE_H
+#define KVL_PROVIDER_ADAPTERS_ADAPTER_FAILURE_H
+
+#include <string>
+
+#include "provider/provider_error.h"
+
+namespace kvl::provider {
+
+/// Why something about the adapters could not be had, for people and for programs.
+struct Failure {
+    std::string number;   ///< the library's last error, as it gives it to operator messages
+    std::string name;     ///< short, lower case with "-" between words
+    std::string meaning;  ///< without a full stop
+    std::string next;     ///< what to do next
+};
+
+/// The name of the failure that a new dump of a port can't mend: the port has no version of this kind.
+constexpr const char* kNoVersionName = "no-version";
+
+/// The failure that the library's last error tells.
+Failure lastFailure();
+
+/// A failure of the tool itself, for which the library has no code.
+/// @param meaning  which command, and what became of it
+Failure toolFailure(const std::string& meaning);
+
+/// A failure that comes from the form of what the tool has printed.
+Failure formFailure(const std::string& meaning);
+
+/// Meaning, number and advice in one sentence.
+std::string describe(const Failure& failure);
+
+/// Ends the program with such a failure.
+class AdapterFailure : public ProviderError {
+public:
+    explicit AdapterFailure(const Failure& failure)
+        : ProviderError(kNothingCollected, describe(failure)), failure_(failure) {}
+
+    const Failure& failure() const { return failure_; }
+
+private:
+    Failure failure_;
+};
+
+}  // namespace kvl::provider
+
+#endif

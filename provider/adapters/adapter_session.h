@@ -1,0 +1,57 @@
+#ifndef KVL_PROVIDER_ADAPTERS_ADAPTER_SESSION_H
+#define KVL_PROVIDER_ADAPTERS_ADAPTER_SESSION_H
+
+#include <memory>
+#include <string>
+
+#include "provider/adapters/adapter_watch.h"
+#include "provider/machine/collection_lock.h"
+#include "provider/machine/run_options.h"
+#include "provider/output/collection_display.h"
+#include "provider/output/quiet_output.h"
+#include "provider/output/wait_display.h"
+
+namespace kvl::provider {
+
+/// A turn at the machine's adapters, for as long as the object lives: the process has what the library's commands need,
+/// nobody else collects, the operator sees what is waited for, and what the tool prints stays out of the answer. One at
+/// a time.
+class AdapterSession {
+public:
+    /// @throws ProviderError if the turn isn't had in time
+    explicit AdapterSession(const RunOptions& options);
+    ~AdapterSession();
+
+    AdapterSession(const AdapterSession&) = delete;
+    AdapterSession& operator=(const AdapterSession&) = delete;
+
+    const AdapterWatch& watch() const { return watch_; }
+
+    /// Forgets the command that ran last, so that what is told of a command is about the next one.
+    void forgetCommand() { watch_ = AdapterWatch(); }
+
+    /// What the tool said last on its standard output; empty if it said nothing.
+    std::string toolsWords() const { return output_.lastLine(); }
+
+    /// Names what the next commands are about, for the progress line.
+    void setSubject(const std::string& subject) { subject_ = subject; }
+
+private:
+    void takeTrace(TRACE_DBG_LEVEL level, const std::string& text);
+    void takeEnd();
+    void show(const std::string& text);
+    void tellSecond();
+    void tellPause(unsigned long milliseconds);
+
+    CollectionLock lock_;
+    CollectionDisplay trace_;
+    std::unique_ptr<WaitDisplay> display_;  // only on a terminal
+    QuietOutput output_;
+    AdapterWatch watch_;
+    std::string subject_;
+    unsigned waited_ = 0;
+};
+
+}  // namespace kvl::provider
+
+#endif

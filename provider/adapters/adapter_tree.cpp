@@ -1,0 +1,71 @@
+#include "provider/adapters/adapter_tree.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "adapter/CEmulexCommon.h"
+#include "host/CFileUtility.h"
+#include "provider/adapters/adapter_failure.h"
+#include "provider/adapters/adapter_words.h"
+#include "provider/machine/provider_environment.h"
+
+namespace kvl::provider {
+namespace {
+
+constexpr mode_t kOthersWrite = 022;
+constexpr const char* kPlainCharacters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._+-";
+
+[[noreturn]] void refuse(const std::string& directory, const std::string& why) {
+    throw ProviderError(kNothingCollected, "the adapters' directory " + directory + " " + why);
+}
+
+void checkOwnership(const std::string& directory) {
+    struct stat status {};
+    if (lstat(directory.c_str(), &status) != 0) {
+        refuse(directory, std::string("can't be looked at: ") + std::strerror(errno));
+    }
+    if (!S_ISDIR(status.st_mode)) {
+        refuse(directory, "is no directory: remove it, and kvl makes one");
+    }
+    if (status.st_uid != geteuid()) {
+        refuse(directory, "belongs to another user (" + std::to_string(status.st_uid) + "): run kvl as that user");
+    }
+    if ((status.st_mode & kOthersWrite) != 0) {
+        refuse(directory, "can be written by other users: 'chmod go-w " + directory + "'");
+    }
+}
+
+}  // namespace
+
+std::string adapterTree() {
+    return CFileUtility::GetInstallPath(0) + "/tmp/EMULEX";
+}
+
+std::string adapterListFile() {
+    return adapterTree() + "/temp/Listhbas.txt";
+}
+
+bool isCached(const std::string& device, const std::string& family) {
+    return CFileUtility::IsFileExist(adapterTree() + "/cache/" + (family == kCna ? "CNA" : "FC") + "/CacheDump_" +
+                                     CONVERT_DEVID(device) + ".txt");
+}
+
+void needAdapterTree() {
+    const std::string tree = adapterTree();
+    if (tree.find_first_not_of(kPlainCharacters) != std::string::npos) {
+        refuse(tree, "holds characters that a shell would not take as they are: choose another install directory");
+    }
+    makeParents(tree);
+    CEmulexCommon::SetLastError(0);
+    if (!CEmulexCommon::CreateLocalDirectory()) {
+        throw AdapterFailure(lastFailure());
+    }
+    for (const char* directory : {"", "/cache", "/cache/FC", "/cache/CNA", "/temp"}) {
+        checkOwnership(tree + directory);
+    }
+}
+
+}  // namespace kvl::provider

@@ -1,0 +1,145 @@
+#include "provider/machine/collection_lock.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "provider/provider_error.h"
+
+namespace kvl::provider {
+namespace {
+
+constexpr const char* kLockDirectory = "/run/lock";
+constexpr const char* kLockName = "/kvl.lock";
+constexpr mode_t kLockMode = 0644;  // whoever can read it can lock it
+constexpr const char* kHandedDown = "KVL_COLLECTION_LOCK";
+
+[[noreturn]] void refuse(const std::string& file, const std::string& why) {
+    throw ProviderError(kNothingCollected, "the lock file " + file + " " + why);
+}
+
+/// Opens the file for as much as this user may; others may have put anything at its name.
+host::FileDescriptor openExisting(const std::string& file) {
+    constexpr int kCarefully = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    host::FileDescriptor opened(open(file.c_str(), O_RDWR | kCarefully));
+    if (!opened.isOpen() && (errno == EACCES || errno == EROFS)) {
+        opened = host::FileDescriptor(open(file.c_str(), O_RDONLY | kCarefully));
+    }
+    return opened;
+}
+
+host::FileDescriptor openLockFile(const std::string& file) {
+    host::FileDescriptor opened = openExisting(file);
+    if (!opened.isOpen() && errno == ENOENT) {
+        opened = host::FileDescriptor(open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kLockMode));
+        if (opened.isOpen()) {
+            fchmod(opened.number(), kLockMode);
+        } else if (errno == EEXIST) {
+            opened = openExisting(file);
+        }
+    }
+    struct stat status {};
+    if (!opened.isOpen() || fstat(opened.number(), &status) != 0) {
+        refuse(file, std::string("can't be opened: ") + std::strerror(errno));
+    }
+    if (!S_ISREG(status.st_mode)) {
+        refuse(file, "is no regular file: remove it");
+    }
+    return opened;
+}
+
+/// Only an owner notes its number: the file's content is no one else's business.
+bool mayNote(int file) {
+    struct stat status {};
+    return fstat(file, &status) == 0 && status.st_uid == geteuid() && status.st_nlink == 1;
+}
+
+void note(int file, const std::string& text) {
+    if (ftruncate(file, 0) != 0 || pwrite(file, text.data(), text.size(), 0) < 0) {
+        // The note only helps whoever waits.
+    }
+}
+
+/// @return the process that noted itself in the file, if it still lives; else 0
+pid_t holderOf(int file) {
+    std::array<char, 16> text{};
+    if (pread(file, text.data(), text.size() - 1, 0) <= 0) {
+        return 0;
+    }
+    const long number = std::strtol(text.data(), nullptr, 10);
+    const auto process = static_cast<pid_t>(number);
+    const bool lives = number > 0 && process == number && (kill(process, 0) == 0 || errno == EPERM);
+    return lives ? process : 0;
+}
+
+bool isSameFile(int opened, const std::string& file) {
+    struct stat one {};
+    struct stat other {};
+    return fstat(opened, &one) == 0 && lstat(file.c_str(), &other) == 0 && one.st_dev == other.st_dev &&
+           one.st_ino == other.st_ino;
+}
+
+}  // namespace
+
+std::string collectionLockFile() {
+    struct stat status {};
+    const bool usable = stat(kLockDirectory, &status) == 0 && S_ISDIR(status.st_mode);
+    return std::string(usable ? kLockDirectory : "/tmp") + kLockName;
+}
+
+CollectionLock CollectionLock::take(const std::string& file, unsigned long longestPauses, const Waiting& waiting) {
+    host::FileDescriptor opened = openLockFile(file);
+    for (unsigned long pauses = 0; flock(opened.number(), LOCK_EX | LOCK_NB) != 0; ++pauses) {
+        if (errno != EWOULDBLOCK && errno != EINTR) {
+            refuse(file, std::string("can't be locked: ") + std::strerror(errno));
+        }
+        if (pauses == longestPauses) {
+            throw ProviderError(kNothingCollected,
+                                "another collection still runs on this machine: try again when it has ended, or wait "
+                                "longer with --wait SECONDS");
+        }
+        if (pauses == 0) {
+            waiting.begin(holderOf(opened.number()));
+        }
+        waiting.pause();
+    }
+    if (!isSameFile(opened.number(), file)) {  // removed while it was waited for
+        return take(file, longestPauses, waiting);
+    }
+    const bool ownsFile = mayNote(opened.number());
+    if (ownsFile) {
+        note(opened.number(), std::to_string(getpid()) + "\n");
+    }
+    return CollectionLock(std::move(opened), ownsFile);
+}
+
+std::optional<CollectionLock> CollectionLock::handedDown(const std::string& file) {
+    const char* number = std::getenv(kHandedDown);
+    const int inherited = number != nullptr ? std::atoi(number) : -1;
+    unsetenv(kHandedDown);
+    if (inherited <= STDERR_FILENO || !isSameFile(inherited, file) || fcntl(inherited, F_SETFD, FD_CLOEXEC) != 0 ||
+        flock(inherited, LOCK_EX | LOCK_NB) != 0) {
+        return std::nullopt;
+    }
+    return CollectionLock(host::FileDescriptor(inherited), false);
+}
+
+void CollectionLock::handDown() const {
+    fcntl(file_.number(), F_SETFD, 0);
+    setenv(kHandedDown, std::to_string(file_.number()).c_str(), 1);
+}
+
+CollectionLock::~CollectionLock() {
+    if (file_.isOpen() && ownsFile_) {
+        note(file_.number(), "");
+    }
+}
+
+}  // namespace kvl::provider

@@ -1,0 +1,51 @@
+#ifndef KVL_PROVIDER_MACHINE_COLLECTION_LOCK_H
+#define KVL_PROVIDER_MACHINE_COLLECTION_LOCK_H
+
+#include <sys/types.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "reference_host/file_descriptor.h"
+
+namespace kvl::provider {
+
+/// The file that a collection locks on this machine: one at a time, since two would write to the same result files.
+std::string collectionLockFile();
+
+/// The right to collect, for as long as the object lives.
+class CollectionLock {
+public:
+    /// How the lock waits: told once that it does, with the process that holds it (0 if that can't be told), and then
+    /// called for each pause between two attempts.
+    struct Waiting {
+        std::function<void(pid_t holder)> begin;
+        std::function<void()> pause;
+    };
+
+    /// Takes the lock of a file that any user of the machine may have made.
+    /// @param longestPauses  how many pauses to make before giving up
+    /// @throws ProviderError if it is given up, or the file can't be used
+    static CollectionLock take(const std::string& file, unsigned long longestPauses, const Waiting& waiting);
+
+    /// The lock that the program which started this one holds and has handed down, if it has.
+    static std::optional<CollectionLock> handedDown(const std::string& file);
+
+    /// Lets the programs that this process starts share the lock.
+    void handDown() const;
+
+    CollectionLock(CollectionLock&&) = default;
+    CollectionLock& operator=(CollectionLock&&) = default;
+    ~CollectionLock();
+
+private:
+    explicit CollectionLock(host::FileDescriptor file, bool ownsFile) : file_(std::move(file)), ownsFile_(ownsFile) {}
+
+    host::FileDescriptor file_;
+    bool ownsFile_;
+};
+
+}  // namespace kvl::provider
+
+#endif
