@@ -12,6 +12,9 @@ extern const char* const kLayDownScript;
 /// The simulated adapter tool (machines/hbacmd).
 extern const char* const kAdapterToolScript;
 
+/// The simulated dracut (machines/dracut).
+extern const char* const kDracutScript;
+
 }  // namespace kvl::machines
 
 #endif

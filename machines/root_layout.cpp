@@ -72,6 +72,7 @@ std::vector<LayoutFile> layoutFiles() {
         {kStandInPath, 0755, kStandInScript},
         {kLayDownPath, 0755, kLayDownScript},
         {kAdapterToolPath, 0755, kAdapterToolScript},
+        {kDracutPath, 0755, kDracutScript},
     };
 }
 

@@ -40,6 +40,8 @@ constexpr const char* kStandInPath = "/.machine/stand-in";
 constexpr const char* kLayDownPath = "/.machine/lay-down";
 /// Where the simulated adapter tool lies; a server that has it installed has a link to it.
 constexpr const char* kAdapterToolPath = "/.machine/hbacmd";
+/// Where the simulated dracut lies; a server that has it has a link to it.
+constexpr const char* kDracutPath = "/.machine/dracut";
 
 }  // namespace kvl::machines
 

@@ -22,6 +22,12 @@ constexpr const char* kNames =
     "firmware() { mkdir -p /tmp/module; printf 'Version: %s\\n' \"$2\" >/tmp/module/$1; }\n"
     "version() { sed -n \"s/^$2: //p\" $state/ports/$1/dump; }\n";
 
+// A script that waits until a process sleeps for this long.
+std::string untilItSleeps(const std::string& seconds) {
+    return "until cat /.proc/[0-9]*/cmdline 2>/dev/null | tr '\\0' ' ' | grep -q 'busybox [s]leep " + seconds +
+           " '; do sleep 0.002; done\n";
+}
+
 class AdapterTool : public testing::Test {
 protected:
     /// Runs a script on the server with adapters of all kinds.
@@ -186,7 +192,8 @@ TEST_F(AdapterTool, KeepsItsStateInAKeptRoot) {
 
 TEST_F(AdapterTool, DownloadSaysThatItIsComplete) {
     const Outcome outcome = run("firmware new.ufi 4.9.1.2; $tool Download $nic \"/tmp/module/new.ufi\"");
-    EXPECT_EQ(outcome.output, "Downloading /tmp/module/new.ufi to 00-90-fa-3c-10-20\nDownload Complete.\n");
+    EXPECT_EQ(outcome.output,
+              "Downloading /tmp/module/new.ufi to 00-90-fa-3c-10-20\nDownload Complete.\nEnd of download.\n");
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(outcome.status, 0);
 }
@@ -239,15 +246,9 @@ TEST_F(AdapterTool, DownloadRefusesAFileThatIsNoneForTheAdapter) {
 
 TEST_F(AdapterTool, SlowOneWaitsBeforeItDoesAnything) {
     EXPECT_EQ(output("fault slow 0.01; $tool GetDumpDirectory $nic"), "Dump Directory = /var/opt/ocmanager/Dump\n");
-    EXPECT_EQ(
-        output("fault slow 1000; $tool listhbas >/tmp/list &\n"
-               "until cat /.proc/[0-9]*/cmdline 2>/dev/null | tr '\\0' ' ' | grep -q 'busybox [s]leep 1000 '; do\n"
-               "    sleep 0.002\ndone; wc -c </tmp/list"),
-        "0\n");
-    EXPECT_EQ(output("fault slow; $tool listhbas >/tmp/list &\n"
-                     "until cat /.proc/[0-9]*/cmdline 2>/dev/null | tr '\\0' ' ' | grep -q 'busybox [s]leep 5 '; do\n"
-                     "    sleep 0.002\ndone; wc -c </tmp/list"),
+    EXPECT_EQ(output("fault slow 1000; $tool listhbas >/tmp/list &\n" + untilItSleeps("1000") + "wc -c </tmp/list"),
               "0\n");
+    EXPECT_EQ(output("fault slow; $tool listhbas >/tmp/list &\n" + untilItSleeps("5") + "wc -c </tmp/list"), "0\n");
 }
 
 TEST_F(AdapterTool, FailingOneEndsWithItsStatusAndDoesNothing) {
@@ -329,12 +330,69 @@ TEST_F(AdapterTool, TellsADirectoryLineWithoutAValue) {
 
 TEST_F(AdapterTool, CompletesADownloadOnlyAtALaterTry) {
     EXPECT_EQ(output("fault incomplete-download 2; firmware new.ufi 9; for try in 1 2 3; do\n"
-                     "    $tool Download $nic /tmp/module/new.ufi | tail -n 1; version 01 'FW Version'; done"),
+                     "    $tool Download $nic /tmp/module/new.ufi | sed -n 2p; version 01 'FW Version'; done"),
               "Download Failed: the adapter did not answer.\n4.6.247.5\nDownload Failed: the adapter did not answer.\n"
               "4.6.247.5\nDownload Complete.\n9\n");
     EXPECT_EQ(output("fault incomplete-download; firmware new.ufi 9; for try in 1 2; do\n"
                      "    $tool Download $nic /tmp/module/new.ufi >/dev/null; echo $?; done"),
               "1\n0\n");
+}
+
+TEST_F(AdapterTool, CompletesADownloadAtOnceWithAFaultOfNoTimes) {
+    EXPECT_EQ(
+        output("fault incomplete-download 0; firmware new.ufi 9; $tool Download $nic /tmp/module/new.ufi | sed -n 2p\n"
+               "ls $state/faults"),
+        "Download Complete.\n");
+}
+
+TEST_F(AdapterTool, TellsTheEndOfAFailedDownloadToo) {
+    const Outcome outcome =
+        run("fault incomplete-download; firmware new.ufi 9; $tool Download $nic /tmp/module/new.ufi");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(
+        linesOf(outcome.output),
+        ElementsAre(StartsWith("Downloading "), "Download Failed: the adapter did not answer.", "End of download."));
+}
+
+TEST_F(AdapterTool, DownloadMayLeaveItsSuccessOut) {
+    EXPECT_EQ(output("fault no-success-text; firmware new.ufi 9; $tool Download $nic /tmp/module/new.ufi; echo $?\n"
+                     "version 01 'FW Version'"),
+              "Downloading /tmp/module/new.ufi to 00-90-fa-3c-10-20\nEnd of download.\n0\n9\n");
+}
+
+TEST_F(AdapterTool, DownloadMayLeaveItsEndOut) {
+    EXPECT_EQ(
+        output("fault never-ending; fault late-end 0; firmware new.ufi 9; $tool Download $nic /tmp/module/new.ufi\n"
+               "echo $?; version 01 'FW Version'"),
+        "Downloading /tmp/module/new.ufi to 00-90-fa-3c-10-20\nDownload Complete.\n0\n9\n");
+}
+
+TEST_F(AdapterTool, DownloadMayTellItsEndWhenTheToolHasLongEnded) {
+    EXPECT_EQ(output("fault late-end 0.02; firmware new.ufi 9; $tool Download $nic /tmp/module/new.ufi >/tmp/result\n"
+                     "version 01 'FW Version'; until grep '^End' /tmp/result; do sleep 0.002; done; cat /tmp/result"),
+              "9\nEnd of download.\n"
+              "Downloading /tmp/module/new.ufi to 00-90-fa-3c-10-20\nDownload Complete.\nEnd of download.\n");
+    EXPECT_EQ(output("fault late-end; firmware new.ufi 9; $tool Download $nic /tmp/module/new.ufi >/tmp/result\n" +
+                     untilItSleeps("45") + "tail -n 1 /tmp/result"),
+              "Download Complete.\n");
+}
+
+TEST_F(AdapterTool, FloodsItsReader) {
+    EXPECT_EQ(output("fault flood; $tool GetDumpDirectory $nic >/tmp/answer; wc -c -l </tmp/answer | tr -s ' '\n"
+                     "tail -n 1 /tmp/answer; fault flood 1; $tool GetDumpDirectory $nic | wc -l | tr -d ' '"),
+              " 163841 10485801\nDump Directory = /var/opt/ocmanager/Dump\n16385\n");
+}
+
+TEST_F(AdapterTool, AnswersAtTheEndOfAnEndlessLine) {
+    EXPECT_EQ(output("fault endless-line; $tool GetDumpDirectory $nic >/tmp/answer; wc -c -l </tmp/answer | tr -s ' '\n"
+                     "tail -c 44 /tmp/answer; fault endless-line 1; $tool listhbas | head -n 1 | wc -c | tr -d ' '"),
+              " 1 4194345\n...Dump Directory = /var/opt/ocmanager/Dump\n1048596\n");
+}
+
+TEST_F(AdapterTool, LeavesAProcessThatHoldsItsOutputOpen) {
+    EXPECT_EQ(output("fault lingering 1000; $tool GetDumpDirectory $nic >/tmp/answer; echo $?; cat /tmp/answer\n" +
+                     untilItSleeps("1000") + "ls -l /.proc/[0-9]*/fd/1 2>/dev/null | grep -c 'fd/1 -> /tmp/answer'"),
+              "0\nDump Directory = /var/opt/ocmanager/Dump\n1\n");
 }
 
 TEST_F(AdapterTool, SuffersAFaultForOneCommandAlone) {

@@ -13,9 +13,9 @@
 namespace kvl::test {
 namespace {
 
-constexpr std::array<const char*, 10> kCommands = {"bin/uname/",   "sbin/ifconfig/", "usr/sbin/ethtool/", "sbin/route/",
+constexpr std::array<const char*, 11> kCommands = {"bin/uname/",   "sbin/ifconfig/", "usr/sbin/ethtool/", "sbin/route/",
                                                    "bin/netstat/", "sbin/lspci/",    "sbin/modinfo/",     "bin/rpm/",
-                                                   "bin/cat/",     "bin/ls/"};
+                                                   "bin/cat/",     "bin/ls/",        "sbin/depmod/"};
 
 // Every server has been asked these.
 constexpr std::array<const char*, 5> kQuestions = {"bin/uname/-r", "sbin/ifconfig/-a", "sbin/route/(none)",
