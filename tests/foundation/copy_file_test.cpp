@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include "foundation/CCommon_Information.h"
-#include "tests/support/private_machine_test.h"
+#include "tests/foundation/foundation_test.h"
 
 namespace kvl::test {
 namespace {
@@ -14,14 +14,11 @@ namespace {
 const std::string kSource = "/tmp/source";
 const std::string kTarget = "/tmp/target";
 
-/// What fsync was called for, each as a path.
-Lines syncedFiles;
-
-class CopyFile : public PrivateMachineTest {
+class CopyFile : public FoundationTest {
 protected:
     void SetUp() override {
-        PrivateMachineTest::SetUp();
-        syncedFiles.clear();
+        FoundationTest::SetUp();
+        libc().recordsFileCalls = true;
     }
 
     static bool copy(bool overwrite) { return CCommon_Information::CopyFileA(kSource, kTarget, overwrite); }
@@ -181,19 +178,35 @@ TEST_F(CopyFile, EmptiesAFileThatIsCopiedOntoItself) {
     EXPECT_EQ(contentOf(kSource), "");
 }
 
-TEST_F(CopyFile, WritesTheTargetThroughToTheDisk) {
+TEST_F(CopyFile, ClosesTheSourceThenWritesTheTargetThroughToTheDisk) {
     machine.file(kSource, "text");
     EXPECT_TRUE(copy(true));
-    EXPECT_EQ(syncedFiles, (Lines{kTarget}));
+    EXPECT_EQ(libc().fileCalls, (Lines{"close " + kSource, "fsync " + kTarget, "close " + kTarget}));
+}
+
+TEST_F(CopyFile, WritesAFailedCopyThroughBeforeItDeletesTheTarget) {
+    const Lines calls = {"close " + kSource, "fsync " + kTarget, "close " + kTarget, "unlink " + kTarget};
+    machine.directory(kSource);
+    EXPECT_FALSE(copy(true));
+    EXPECT_EQ(libc().fileCalls, calls);
+    rmdir(kSource.c_str());
+    machine.file(kSource, std::string(4000, 'x'));
+    libc().fileCalls.clear();
+    {
+        const FileSizeLimit limit(2048);
+        EXPECT_FALSE(copy(true));
+    }
+    EXPECT_EQ(libc().fileCalls, calls);
+}
+
+TEST_F(CopyFile, ClosesNothingButTheSourceWithoutATarget) {
+    EXPECT_FALSE(copy(true));
+    EXPECT_THAT(libc().fileCalls, testing::IsEmpty());
+    machine.file(kSource, "text");
+    machine.file(kTarget, "old");
+    EXPECT_FALSE(copy(false));
+    EXPECT_EQ(libc().fileCalls, (Lines{"close " + kSource}));
 }
 
 }  // namespace
 }  // namespace kvl::test
-
-/// The library finds this one before libc's.
-extern "C" int fsync(int descriptor) {
-    std::error_code none;
-    kvl::test::syncedFiles.push_back(
-        std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), none).string());
-    return 0;
-}

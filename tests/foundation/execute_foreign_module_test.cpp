@@ -9,7 +9,7 @@
 
 #include "foundation/CCommon_Information.h"
 #include "tests/foundation/descriptor_in_file.h"
-#include "tests/support/private_machine_test.h"
+#include "tests/foundation/foundation_test.h"
 
 namespace kvl::test {
 namespace {
@@ -19,7 +19,7 @@ constexpr const char* kResult = "/tmp/result";
 /// Runs as long as the file /tmp/go is there.
 const std::string kRunOn = "while [ -e /tmp/go ]; do sleep 0.01; done";
 
-class ExecForeignModule : public PrivateMachineTest {
+class ExecForeignModule : public FoundationTest {
 protected:
     unsigned long run(const std::string& command, const std::string& file = kResult, const std::string& workDir = "",
                       unsigned long timeout = kNoLimit) {
@@ -148,6 +148,16 @@ TEST_F(ExecForeignModule, RefusesAnEmptyCommandWithoutAProcess) {
 TEST_F(ExecForeignModule, RefusesAWorkDirectoryThatIsNotThereWithoutAProcess) {
     libc().failingForks = 1;
     EXPECT_EQ(run("echo", kResult, "/tmp/absent"), 1U);
+    EXPECT_EQ(exitCode, 255U);
+    EXPECT_EQ(libc().failingForks, 1);
+}
+
+TEST_F(ExecForeignModule, RefusesAWorkDirectoryThatCanBeEnteredButNotRead) {
+    machine.directory("/tmp/place");
+    chmod("/tmp/place", 0300);
+    EXPECT_EQ(access("/tmp/place", W_OK | X_OK), 0);
+    libc().failingForks = 1;
+    EXPECT_EQ(run("echo", kResult, "/tmp/place"), 1U);
     EXPECT_EQ(exitCode, 255U);
     EXPECT_EQ(libc().failingForks, 1);
 }

@@ -3,19 +3,23 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <functional>
 #include <memory>
+#include <thread>
 
 #include "foundation/CCommon_Information.h"
-#include "tests/support/private_machine_test.h"
+#include "tests/foundation/foundation_test.h"
 
 namespace kvl::test {
 namespace {
 
 constexpr unsigned long kNoLimit = static_cast<unsigned long>(-1);
 
-class ForeignProcess : public PrivateMachineTest {
+class ForeignProcess : public FoundationTest {
 protected:
     unsigned long run(const std::string& command, const std::string& workDir = "", unsigned long timeout = kNoLimit) {
         return CCommon_Information::POpenForeignModule(command, &pipeFd, workDir, &exitCode, timeout);
@@ -47,6 +51,29 @@ protected:
         close(ends[0]);
         close(ends[1]);
         return static_cast<std::size_t>(size);
+    }
+
+    /// Waits for something that another process brings about, half a minute at most.
+    static bool await(const std::function<bool()>& condition) {
+        for (int attempt = 0; attempt < 15000; ++attempt) {
+            if (condition()) {
+                return true;
+            }
+            usleep(2000);
+        }
+        return false;
+    }
+
+    static bool aChildHasEnded() {
+        siginfo_t child{};
+        return waitid(P_ALL, 0, &child, WEXITED | WNOWAIT | WNOHANG) == 0 && child.si_pid != 0;
+    }
+
+    /// As the kernel tells it: 'R' runs, 'S' waits, 'Z' has ended.
+    static char stateOf(const std::string& process) {
+        const std::string stat = contentOf("/.proc/" + process + "/stat");
+        const auto name = stat.rfind(") ");
+        return name == std::string::npos ? '?' : stat[name + 2];
     }
 
     int pipeFd = -7;
@@ -108,6 +135,17 @@ TEST_F(POpenForeignModule, EndsTheChildWithOneWhereThereIsNoShell) {
     setenv("PATH", "/sbin:/usr/sbin:/bin:/usr/bin", 1);
     EXPECT_EQ(exitCode, 1U);
     EXPECT_EQ(takeOutput(), "");
+}
+
+TEST_F(POpenForeignModule, RefusesAWorkDirectoryThatCanBeEnteredButNotRead) {
+    machine.directory("/tmp/place");
+    chmod("/tmp/place", 0300);
+    EXPECT_EQ(access("/tmp/place", W_OK | X_OK), 0);
+    libc().failingForks = 1;
+    EXPECT_EQ(run("echo", "/tmp/place"), 1U);
+    EXPECT_EQ(exitCode, 255U);
+    EXPECT_EQ(pipeFd, -7);
+    EXPECT_EQ(libc().failingForks, 1);
 }
 
 TEST_F(POpenForeignModule, FailsForACommandThatASignalEnds) {
@@ -227,15 +265,41 @@ TEST_F(POpenForeignModule, TakesOutputThatJustFitsThePipe) {
     }
 }
 
+TEST_F(POpenForeignModule, TakesOutputThatJustFitsThePipeAlsoWithALimitOfTime) {
+    const std::size_t size = pipeSize();
+    TestHost::onSleep([] { EXPECT_TRUE(await(aChildHasEnded)); });
+    EXPECT_EQ(run("head -c " + std::to_string(size) + " /dev/zero; : > /tmp/full", "", 2500), 0U);
+    EXPECT_EQ(exitCode, 0U);
+    EXPECT_EQ(takeOutput(), std::string(size, '\0'));
+    EXPECT_EQ(contentOf("/tmp/full"), "");
+}
+
 TEST_F(POpenForeignModule, RunsOutOfTimeWithOutputThatDoesNotFitThePipe) {
-    EXPECT_EQ(run("exec head -c " + std::to_string(pipeSize() + 1) + " /dev/zero", "", 2500), 255U);
+    // The shell itself writes the byte that is too much, so it is the shell that waits then.
+    const auto hasWaited = [] {
+        const char state = contentOf("/tmp/full").empty() ? stateOf(contentOf("/tmp/pid")) : '?';
+        return state == 'S' || state == 'Z';
+    };
+    bool cameThatFar = true;
+    TestHost::onSleep([&] {
+        cameThatFar = cameThatFar && await(hasWaited);
+        EXPECT_EQ(contentOf("/tmp/over"), "(absent)");
+    });
+    EXPECT_EQ(run("printf $$ > /tmp/pid; head -c " + std::to_string(pipeSize()) +
+                      " /dev/zero; : > /tmp/full; printf x && : > /tmp/over",
+                  "", 2500),
+              255U);
+    EXPECT_TRUE(cameThatFar) << "the output that fits did not fit";
     EXPECT_EQ(exitCode, 255U);
     EXPECT_EQ(pipeFd, -7);
     EXPECT_EQ(TestHost::sleeps(), (std::vector<unsigned long>{1000, 1000, 500}));
     // Nobody can read the output any more, and so it ends.
+    EXPECT_TRUE(await(aChildHasEnded));
+    kill(std::stoi(contentOf("/tmp/pid")), SIGKILL);
     int status = -1;
     EXPECT_GT(waitpid(-1, &status, 0), 0);
     EXPECT_FALSE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_EQ(contentOf("/tmp/over"), "(absent)");
 }
 
 TEST_F(POpenForeignModule, HandsBackAnEmptyPipeOfACommandThatClosesOrTurnsItsOutput) {
@@ -280,6 +344,19 @@ TEST_F(GetResultLine, IsEmptyForEveryFailure) {
     for (const char* command : {"", "true", "echo text; exit 1", "echo text; kill -9 $$", "/no/such/program"}) {
         EXPECT_EQ(CCommon_Information::GetResultLine(command), "") << command;
     }
+}
+
+TEST_F(GetResultLine, IsEmptyWithoutAPipeAProcessOrAStream) {
+    libc().failingPipes = 5;
+    EXPECT_EQ(CCommon_Information::GetResultLine("echo line"), "");
+    EXPECT_EQ(libc().failingPipes, 0);
+    libc().failingForks = 1;
+    EXPECT_EQ(CCommon_Information::GetResultLine("echo line"), "");
+    EXPECT_EQ(libc().failingForks, 0);
+    libc().failingStreams = 1;
+    EXPECT_EQ(CCommon_Information::GetResultLine("echo line > /tmp/ran; echo line"), "");
+    EXPECT_EQ(libc().failingStreams, 0);
+    EXPECT_EQ(contentOf("/tmp/ran"), "line\n");
 }
 
 TEST_F(GetResultLine, CutsALongLineTo255Characters) {
@@ -416,6 +493,45 @@ TEST_F(GetResultLine, WorksAlsoWithStandardDescriptorsClosed) {
         waitpid(child, &status, 0);
         EXPECT_EQ(status, 0) << "descriptors closed: " << closed;
     }
+}
+
+/// Calls both operations over and over, each call with a text and an exit code of its own.
+/// @return the calls that another text or code came back from
+Lines wrongAnswers(int thread) {
+    const std::string file = "/tmp/result-" + std::to_string(thread);
+    Lines wrong;
+    for (int call = 0; call < 25; ++call) {
+        const std::string text = std::to_string(thread) + "-" + std::to_string(call);
+        if (CCommon_Information::GetResultLine("echo " + text) != text) {
+            wrong.push_back("line " + text);
+        }
+        unsigned long code = 1000;
+        const std::string command = "echo " + text + "; exit " + std::to_string(10 * thread + call);
+        if (CCommon_Information::ExecForeignModule(command, file, "", &code, kNoLimit) != 0 ||
+            code != static_cast<unsigned long>(10 * thread + call) || contentOf(file) != text + "\n") {
+            wrong.push_back("file " + text);
+        }
+    }
+    return wrong;
+}
+
+TEST_F(ForeignProcess, ServesSeveralThreadsAtOnce) {
+    std::array<Lines, 4> wrong;
+    std::atomic<std::size_t> ready = 0;
+    std::vector<std::thread> threads;
+    for (std::size_t number = 0; number < wrong.size(); ++number) {
+        threads.emplace_back([&, number] {
+            ++ready;
+            while (ready < wrong.size()) {
+                std::this_thread::yield();
+            }
+            wrong[number] = wrongAnswers(static_cast<int>(number));
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_THAT(wrong, testing::Each(testing::IsEmpty()));
 }
 
 TEST_F(ForeignProcess, TracesNothing) {

@@ -6,7 +6,7 @@
 
 #include "foundation/CUnzip_Utility.h"
 #include "tests/foundation/descriptor_in_file.h"
-#include "tests/support/private_machine_test.h"
+#include "tests/foundation/foundation_test.h"
 
 namespace kvl::test {
 namespace {
@@ -26,7 +26,7 @@ std::string end(const std::string& operation) {
 
 // ---- DeleteFolder ----
 
-class DeleteFolder : public PrivateMachineTest {
+class DeleteFolder : public FoundationTest {
 protected:
     static bool deleteFolder(const std::string& path) { return CUnzip_Utility::DeleteFolder(path, kModule); }
 };
@@ -62,6 +62,7 @@ TEST_F(DeleteFolder, RemovesAThousandFiles) {
 TEST_F(DeleteFolder, RemovesAnInnerFolderFirst) {
     machine.file(kFolder + "/inner/deep/file", "text");
     EXPECT_TRUE(deleteFolder(kFolder));
+    EXPECT_EQ(TestHost::removals(), (Lines{kFolder + "/inner/deep", kFolder + "/inner", kFolder}));
     EXPECT_THAT(namesIn(kTop), testing::IsEmpty());
     EXPECT_EQ(TestHost::trace(), (Lines{start("DeleteFolder"), start("DeleteFolder"), start("DeleteFolder"),
                                         end("DeleteFolder"), end("DeleteFolder"), end("DeleteFolder")}));
@@ -181,10 +182,10 @@ TEST_F(DeleteFolder, FailsWhereTheEmptiedFolderStays) {
 
 // ---- Unzip ----
 
-class Unzip : public PrivateMachineTest {
+class Unzip : public FoundationTest {
 protected:
     void SetUp() override {
-        PrivateMachineTest::SetUp();
+        FoundationTest::SetUp();
         machine.directory(kOut);
     }
 
@@ -255,6 +256,34 @@ TEST_F(Unzip, StartsNoProcessWithoutTheOutputDirectory) {
     EXPECT_EQ(TestHost::trace(),
               traceOf("/tmp/a.zip", {"2 CUnzip_Utility::Unzip() Output dir is not found."}, "/tmp/absent"));
     EXPECT_FALSE(std::filesystem::exists("/tmp/absent"));
+}
+
+TEST_F(Unzip, StartsNoProcessForAnOutputDirectoryThatCannotBeRead) {
+    standIn();
+    chmod(kOut.c_str(), 0300);
+    EXPECT_EQ(access(kOut.c_str(), W_OK | X_OK), 0);
+    libc().failingForks = 1;
+    EXPECT_FALSE(unzip("/tmp/a.zip"));
+    EXPECT_EQ(libc().failingForks, 1);
+    EXPECT_EQ(TestHost::trace(), traceOf("/tmp/a.zip", {"2 CUnzip_Utility::Unzip() Output dir is not found."}));
+}
+
+TEST_F(Unzip, LeavesItToUnzipToRefuseAFileForADirectory) {
+    machine.file("/tmp/file", "text");
+    standIn({9});
+    EXPECT_FALSE(unzip("/tmp/a.zip", "/tmp/file"));
+    EXPECT_EQ(machine.commandsRun(), (std::vector<std::string>{"/bin/unzip -o /tmp/a.zip -d /tmp/file"}));
+    EXPECT_EQ(TestHost::trace(), traceOf("/tmp/a.zip", {failedWith(9)}, "/tmp/file"));
+}
+
+TEST_F(Unzip, RunsInTheDirectoryOfTheCaller) {
+    machine.program("/bin/unzip", "#!/bin/sh\npwd -P\n");
+    machine.directory("/tmp/callers place");
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path("/tmp/callers place");
+    EXPECT_TRUE(unzip("a.zip"));
+    std::filesystem::current_path(before);
+    EXPECT_EQ(contentOf("/tmp/output"), "/tmp/callers place\n");
 }
 
 TEST_F(Unzip, FailsWhereItCannotFork) {

@@ -3,11 +3,18 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <net/if.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
 #include <sys/types.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <new>
 
 namespace kvl::test {
 
@@ -38,7 +45,32 @@ bool takeFailure(int& left, const void* caller) {
     return true;
 }
 
+/// A count that forked children share.
+std::atomic<int>* sharedCount() {
+    void* memory = mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    return memory == MAP_FAILED ? nullptr : new (memory) std::atomic<int>(0);
+}
+
+std::atomic<int>* const strayCloseCount = sharedCount();
+
+bool isStandard(int descriptor) {
+    return descriptor >= STDIN_FILENO && descriptor <= STDERR_FILENO;
+}
+
+std::string pathOf(int descriptor) {
+    std::error_code none;
+    return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), none).string();
+}
+
+bool isRecorded(const void* caller) {
+    return libc().recordsFileCalls && isInLibrary(caller);
+}
+
 }  // namespace
+
+int strayCloses() {
+    return strayCloseCount->load();
+}
 
 }  // namespace kvl::test
 
@@ -69,6 +101,51 @@ pid_t fork() noexcept {
     return kvl::test::takeFailure(libc().failingForks, __builtin_return_address(0))
                ? -1
                : kvl::test::next<pid_t()>("fork")();
+}
+
+std::FILE* fdopen(int descriptor, const char* mode) noexcept {
+    return kvl::test::takeFailure(libc().failingStreams, __builtin_return_address(0))
+               ? nullptr
+               : kvl::test::next<std::FILE*(int, const char*)>("fdopen")(descriptor, mode);
+}
+
+int fclose(std::FILE* stream) {
+    // Whoever calls: a smart pointer's deleter may be the test program's own copy.
+    const int result = kvl::test::next<int(std::FILE*)>("fclose")(stream);
+    if (result == EOF && errno == EBADF) {
+        ++*kvl::test::strayCloseCount;
+    }
+    return result;
+}
+
+int close(int descriptor) {
+    if (kvl::test::isRecorded(__builtin_return_address(0))) {
+        libc().fileCalls.push_back("close " + kvl::test::pathOf(descriptor));
+    }
+    // A child of a process with threads comes here too, so what follows allocates nothing.
+    const int result = static_cast<int>(syscall(SYS_close, descriptor));
+    const int error = errno;
+    if (result != 0 && error == EBADF && !kvl::test::isStandard(descriptor) &&
+        kvl::test::isInLibrary(__builtin_return_address(0))) {
+        ++*kvl::test::strayCloseCount;
+    }
+    errno = error;
+    return result;
+}
+
+/// Writes nothing through: the files of the tests live in memory.
+int fsync(int descriptor) {
+    if (kvl::test::isRecorded(__builtin_return_address(0))) {
+        libc().fileCalls.push_back("fsync " + kvl::test::pathOf(descriptor));
+    }
+    return 0;
+}
+
+int unlink(const char* path) noexcept {
+    if (kvl::test::isRecorded(__builtin_return_address(0))) {
+        libc().fileCalls.push_back("unlink " + std::string(path));
+    }
+    return kvl::test::next<int(const char*)>("unlink")(path);
 }
 
 struct if_nameindex* if_nameindex() noexcept {

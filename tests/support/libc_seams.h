@@ -19,6 +19,12 @@ struct LibcSeams {
     int failingPipes = 0;
     /// How many calls of `fork` fail from now on.
     int failingForks = 0;
+    /// How many calls of `fdopen` fail from now on.
+    int failingStreams = 0;
+    /// Has the library's calls of `close`, `fsync` and `unlink` recorded, of this process alone.
+    bool recordsFileCalls = false;
+    /// Those calls, each as "CALL PATH".
+    std::vector<std::string> fileCalls;
     /// What `if_nameindex` gives; the index of an entry is its place, from 1.
     std::vector<std::string> interfaces;
     /// Places in `interfaces`, from 0, whose entry has the index 0, or has no name; -1: none.
@@ -31,6 +37,11 @@ struct LibcSeams {
 };
 
 LibcSeams& libc();
+
+/// How often the library, its forked children included, closed a descriptor that was not open, since the program's
+/// start, by `close` or as a stream's by `fclose`. Closing a standard descriptor doesn't count: a child closes them
+/// whether they are open or not.
+int strayCloses();
 
 }  // namespace kvl::test
 

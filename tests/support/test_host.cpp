@@ -19,6 +19,7 @@ Lines moduleOfLine;
 Lines messages;
 std::vector<unsigned long> sleptMilliseconds;
 Lines deletedPaths;
+Lines removedDirectories;
 std::function<void(const char*)> deletionCall;
 std::function<void()> sleepCall;
 std::function<void(const std::string&)> traceCall;
@@ -59,6 +60,7 @@ void TestHost::forget() {
     messages.clear();
     sleptMilliseconds.clear();
     deletedPaths.clear();
+    removedDirectories.clear();
     deletionCall = nullptr;
     sleepCall = nullptr;
     traceCall = nullptr;
@@ -99,6 +101,9 @@ void TestHost::onDeletion(std::function<void(const char*)> call) {
 }
 Lines TestHost::deletions() {
     return deletedPaths;
+}
+Lines TestHost::removals() {
+    return removedDirectories;
 }
 void TestHost::onSleep(std::function<void()> call) {
     sleepCall = std::move(call);
@@ -148,6 +153,11 @@ int DeleteFileA(const char* path) {
         kvl::test::deletionCall(path);
     }
     return result;
+}
+
+int RemoveDirectoryA(const char* path) {
+    kvl::test::removedDirectories.emplace_back(path);
+    return rmdir(path) == 0 ? 1 : 0;
 }
 
 void Sleep(unsigned long milliseconds) {

@@ -30,6 +30,8 @@ public:
     static std::vector<unsigned long> sleeps();
     /// The paths that `DeleteFileA` was called with; the calls go on to the file system.
     static Lines deletions();
+    /// The paths that `RemoveDirectoryA` was called with; the calls go on to the file system.
+    static Lines removals();
     /// Has `DeleteFileA` call this with the path behind each call, until the next `forget`.
     static void onDeletion(std::function<void(const char*)> call);
     /// Has the host's Sleep call this, once for each call, until the next `forget`.
