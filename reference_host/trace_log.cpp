@@ -11,6 +11,7 @@
 #include "reference_host/formatted_text.h"
 #include "reference_host/install_path.h"
 #include "reference_host/trace_file.h"
+#include "reference_host/system_log.h"
 #include "reference_host/trace_observer.h"
 
 namespace kvl::host {
@@ -114,6 +115,7 @@ void recordDebugLine(const std::string& module, TRACE_DBG_LEVEL level, const std
 void recordOperatorMessage(const std::string& module, const std::string& text) noexcept {
     try {
         traceLog().write("OPERATOR", module, text);
+        writeSystemLog(text);
     } catch (...) {
     }
 }
