@@ -10,15 +10,16 @@
 #include "provider/provider_error.h"
 #include "provider/replay_command.h"
 #include "provider/report/report_command.h"
+#include "provider/update/update_commands.h"
 
 namespace kvl::provider {
 namespace {
 
 // The program's commands, in the order of the help.
-constexpr std::array<AddCommand, 11> kCommands = {
+constexpr std::array<AddCommand, 12> kCommands = {
     addReportCommand,    addAdaptersCommand,   addAdapterInfoCommand, addVersionCommand,
     addCompareCommand,   addSupportedCommand,  addSlotCommand,        addDriverCheckCommand,
-    addBootImageCommand, addComponentsCommand, addReplayCommand,
+    addBootImageCommand, addComponentsCommand, addUpdateCommand,      addReplayCommand,
 };
 
 constexpr const char* kDescription =
@@ -46,11 +47,16 @@ std::function<int()> printingRequest(const CLI::App& program, const CLI::ParseEr
     };
 }
 
+/// The words by which the command was chosen, each with a blank behind it.
+std::string chosenCommand(const CLI::App& program) {
+    const auto chosen = program.get_subcommands();
+    return chosen.empty() ? "" : chosen.front()->get_name() + " " + chosenCommand(*chosen.front());
+}
+
 /// Tells what is wrong, and where the usage is told.
 std::string describe(const CLI::App& program, const Arguments& arguments, const CLI::ParseError& error) {
-    const auto chosen = program.get_subcommands();
-    const std::string command = chosen.empty() ? "" : chosen.front()->get_name() + " ";
-    const std::string what = !chosen.empty()     ? error.what()
+    const std::string command = chosenCommand(program);
+    const std::string what = !command.empty()    ? error.what()
                              : arguments.empty() ? "a command is missing"
                                                  : "there is no command '" + arguments.front() + "'";
     return what + " ('kvl " + command + "--help' tells the usage)";

@@ -18,6 +18,13 @@ enum ExitCode : int {
     kDriverAwaitsBoot = 14,    ///< driver-check: it has another version, and another kernel starts next.
     kOtherBootImage = 15,      ///< boot-image: another kernel than the running one starts next.
     kComponentMissing = 16,    ///< components: one is missing.
+    kToolNotSilent = 17,       ///< tool-check: the management tool does not stand as a silent install left it.
+
+    // How the commands end that change something, beside 0 and 2.
+    kNothingChanged = 1,  ///< It failed, and nothing was changed.
+    kSkipped = 3,         ///< There was nothing to do, or the operator said no.
+    kChanged = 4,         ///< It failed when something was changed already: which state that is was told.
+    kInterrupted = 130,   ///< A signal came meanwhile: the update was ended properly, and its result told.
 };
 
 /// The same for the help texts.
@@ -84,6 +91,15 @@ constexpr const char* kBootImageExitCodesHelp =
     "  2   wrong usage\n"
     "  3   that could not be told; the reason stands on standard error\n"
     "  15  it has not\n";
+
+constexpr const char* kUpdateExitCodesHelp =
+    "Exit codes:\n"
+    "  0    updated\n"
+    "  1    failed, and nothing was changed\n"
+    "  2    wrong usage\n"
+    "  3    skipped on purpose (standard error says why)\n"
+    "  4    failed after something was changed (standard error says what)\n"
+    "  130  interrupted: the update was ended properly first, and its result told\n";
 
 constexpr const char* kComponentsExitCodesHelp =
     "Exit codes:\n"

@@ -14,7 +14,7 @@ struct Advice {
     const char* text;
 };
 
-constexpr std::array<Advice, 12> kAdvice = {{
+constexpr std::array<Advice, 18> kAdvice = {{
     {kNoDumpDirectory, "see what 'hbacmd GetDumpDirectory ADDRESS' prints for the port's address"},
     {kNoDumpFile,
      "see whether 'hbacmd dump ADDRESS' writes a file into its dump directory, and whether --family is the port's"},
@@ -26,6 +26,12 @@ constexpr std::array<Advice, 12> kAdvice = {{
     {kNoSuchAdapter, "'kvl adapters' lists the adapters with their locations"},
     {kNoAdapters, "see whether the adapters' driver is loaded, and what 'hbacmd listhbas' prints"},
     {kFileNotOpened, "see whether the files in tmp/EMULEX below the install directory can be read"},
+    {kDownloadFailed, "see what the tool printed, whether its services run and the adapter answers"},
+    {kNotUnpacked, "see whether the module's archive is whole and 'unzip' is installed"},
+    {kNoAddress, "see what 'hbacmd listhbas' prints of the adapter, and whether the family is the right one"},
+    {kUnpackFolderNotDeleted, "remove the folder by hand, and see why it can't be deleted"},
+    {kWrongModuleContent, "see whether the module is for this family of adapters"},
+    {kUpdateFailed, "see what the updater printed"},
     {kNoCacheDirectory,
      "see whether tmp/EMULEX/cache below the install directory can be made; as root, remove what stands in its way"},
     {kNoTemporaryDirectory,
@@ -64,6 +70,11 @@ Failure lastFailure() {
         return failureBesideCodes("unknown", "the library tells no reason", kGeneralAdvice);
     }
     return {CEmulexCommon::GetLastErrorToChractor(), row->name, withoutCapital(row->meaning), adviceFor(number)};
+}
+
+Failure failureOf(AdapterError code) {
+    CEmulexCommon::SetLastError(code);
+    return lastFailure();
 }
 
 Failure toolFailure(const std::string& meaning) {

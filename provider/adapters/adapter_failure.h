@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "adapter/error_codes.h"
 #include "provider/provider_error.h"
 
 namespace kvl::provider {
@@ -20,6 +21,9 @@ constexpr const char* kNoVersionName = "no-version";
 
 /// The failure that the library's last error tells.
 Failure lastFailure();
+
+/// The failure of a code that this program has found itself; it becomes the library's last error.
+Failure failureOf(AdapterError code);
 
 /// A failure of the tool itself, for which the library has no code.
 /// @param meaning  which command, and what became of it

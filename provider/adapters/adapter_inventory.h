@@ -59,11 +59,13 @@ public:
     VersionAnswer version(const std::string& device, const ModuleKind& kind, bool refresh,
                           const std::string& family) const;
 
-private:
     using Record = std::map<std::string, std::string>;
 
-    Failure commandFailure() const;
+    /// What the list tells of the port at a location, by the tool's own keys.
     Record find(const std::string& device, const std::string& family) const;
+
+private:
+    Failure commandFailure() const;
     void checkAddress(const std::string& device, const std::string& family) const;
     std::string deviceOf(const Record& record, std::map<int, int>& functionsOfBuses) const;
 

@@ -18,9 +18,12 @@ constexpr int kLongestWait = 10;  // seconds that the library gives a command's 
 
 using Mode = CollectionDisplay::Mode;
 
-CollectionLock enterAndTakeTurn(const RunOptions& options) {
+std::optional<CollectionLock> enterAndTakeTurn(const RunOptions& options) {
     enterProviderEnvironment();
     makeParents(host::installPath() + "/log");  // in which the host keeps the trace
+    if (!options.takesTurn) {
+        return std::nullopt;
+    }
     return takeTurn(options.waitSeconds);
 }
 
@@ -28,6 +31,7 @@ CollectionLock enterAndTakeTurn(const RunOptions& options) {
 
 AdapterSession::AdapterSession(const RunOptions& options)
     : lock_(enterAndTakeTurn(options)),
+      isQuiet_(options.quiet),
       trace_(options.verbose ? Mode::kTrace : Mode::kNothing, std::cerr, terminalWidth()) {
     if (displayMode(options) == Mode::kProgress) {
         display_ = std::make_unique<WaitDisplay>(std::cerr, terminalWidth());
@@ -44,8 +48,27 @@ AdapterSession::~AdapterSession() {
     host::setTraceObserver({});
 }
 
+void AdapterSession::shareLock() {
+    if (lock_) {
+        lock_->shareWithCommands();
+    }
+}
+
+void AdapterSession::note(const std::string& line) {
+    if (display_) {
+        display_->clear();
+    }
+    if (!isQuiet_) {
+        std::cerr << line << std::endl;
+    }
+}
+
 void AdapterSession::takeTrace(TRACE_DBG_LEVEL level, const std::string& text) {
     trace_.showTrace(level, text);
+    if (procedure_ != nullptr) {
+        procedure_->takeTrace(level, text);
+        return;
+    }
     switch (watch_.take(level, text)) {
         case AdapterWatch::Event::kCommandBegins:
             output_.forget();
@@ -86,6 +109,10 @@ void AdapterSession::tellSecond() {
 }
 
 void AdapterSession::tellPause(unsigned long milliseconds) {
+    if (procedure_ != nullptr) {
+        procedure_->takePause(milliseconds);
+        return;
+    }
     show("no dump of this port yet: trying again in " +
          std::to_string((milliseconds + kMillisecondsPerSecond - 1) / kMillisecondsPerSecond) + " s");
 }

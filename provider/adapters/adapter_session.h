@@ -2,6 +2,7 @@
 #define KVL_PROVIDER_ADAPTERS_ADAPTER_SESSION_H
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "provider/adapters/adapter_watch.h"
@@ -12,6 +13,14 @@
 #include "provider/output/wait_display.h"
 
 namespace kvl::provider {
+
+/// Watches a longer procedure of the library in a session's stead: its steps and its waits.
+class ProcedureWatch {
+public:
+    virtual ~ProcedureWatch() = default;
+    virtual void takeTrace(TRACE_DBG_LEVEL level, const std::string& text) = 0;
+    virtual void takePause(unsigned long milliseconds) = 0;
+};
 
 /// A turn at the machine's adapters, for as long as the object lives: the process has what the library's commands need,
 /// nobody else collects, the operator sees what is waited for, and what the tool prints stays out of the answer. One at
@@ -30,8 +39,25 @@ public:
     /// Forgets the command that ran last, so that what is told of a command is about the next one.
     void forgetCommand() { watch_ = AdapterWatch(); }
 
+    /// Writes to standard output, which what the commands print doesn't reach.
+    void print(const std::string& text) const { output_.write(text); }
+
+    /// Writes a line about the run to standard error, below whatever is shown there, unless the operator wants quiet.
+    void note(const std::string& line);
+
     /// What the tool said last on its standard output; empty if it said nothing.
     std::string toolsWords() const { return output_.lastLine(); }
+
+    /// Lets a procedure be watched as long as it runs.
+    /// @param procedure  null when it has ended
+    void watchProcedure(ProcedureWatch* procedure) { procedure_ = procedure; }
+
+    /// Has the commands that the library runs from now on hold the machine's lock, so that one that outlives this
+    /// process keeps others away.
+    void shareLock();
+
+    /// The line on the operator's terminal; null without one.
+    WaitDisplay* display() { return display_.get(); }
 
     /// Names what the next commands are about, for the progress line.
     void setSubject(const std::string& subject) { subject_ = subject; }
@@ -43,11 +69,13 @@ private:
     void tellSecond();
     void tellPause(unsigned long milliseconds);
 
-    CollectionLock lock_;
+    std::optional<CollectionLock> lock_;  // none where nothing of the machine is changed
+    const bool isQuiet_;
     CollectionDisplay trace_;
     std::unique_ptr<WaitDisplay> display_;  // only on a terminal
     QuietOutput output_;
     AdapterWatch watch_;
+    ProcedureWatch* procedure_ = nullptr;
     std::string subject_;
     unsigned waited_ = 0;
 };

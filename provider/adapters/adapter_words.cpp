@@ -1,7 +1,10 @@
 #include "provider/adapters/adapter_words.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iterator>
 #include <regex>
+#include <stdexcept>
 
 namespace kvl::provider {
 namespace {
@@ -57,6 +60,15 @@ const ModuleKind* checkedKind(const std::string& given) {
 }
 
 }  // namespace
+
+const ModuleKind& moduleKind(EMULEX_MODULE_KIND value) {
+    const auto* found = std::find_if(std::begin(kModuleKinds), std::end(kModuleKinds),
+                                     [value](const ModuleKind& kind) { return kind.value == value; });
+    if (found == std::end(kModuleKinds)) {
+        throw std::logic_error("a kind of module that no adapter tells the version of");
+    }
+    return *found;
+}
 
 void addDevice(CLI::App& command, std::string& device) {
     addWord(command, "DEVICE", kDeviceForm, device,

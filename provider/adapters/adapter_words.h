@@ -34,6 +34,9 @@ constexpr ModuleKind kModuleKinds[] = {
     {"tool", "TOOL", EMULEX_MODULE_OCM},
 };
 
+/// @return the row of a kind that is in the table
+const ModuleKind& moduleKind(EMULEX_MODULE_KIND value);
+
 /// Adds DEVICE, a port's PCI location: bus:device.function in hexadecimal, and behind a "-" a tail of characters that
 /// a shell takes as they are.
 void addDevice(CLI::App& command, std::string& device);

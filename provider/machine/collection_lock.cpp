@@ -79,6 +79,11 @@ pid_t holderOf(int file) {
     return lives ? process : 0;
 }
 
+std::string describeHolder(pid_t holder) {
+    return holder > 0 ? "another kvl (process " + std::to_string(holder) + ")"
+                      : "another kvl, or a command that one has left behind,";
+}
+
 bool isSameFile(int opened, const std::string& file) {
     struct stat one {};
     struct stat other {};
@@ -101,9 +106,9 @@ CollectionLock CollectionLock::take(const std::string& file, unsigned long longe
             refuse(file, std::string("can't be locked: ") + std::strerror(errno));
         }
         if (pauses == longestPauses) {
-            throw ProviderError(kNothingCollected,
-                                "another collection still runs on this machine: try again when it has ended, or wait "
-                                "longer with --wait SECONDS");
+            throw ProviderError(kNothingCollected, describeHolder(holderOf(opened.number())) +
+                                                       " still works on this machine: try again when it has ended, or "
+                                                       "wait longer with --wait SECONDS");
         }
         if (pauses == 0) {
             waiting.begin(holderOf(opened.number()));
@@ -136,9 +141,17 @@ void CollectionLock::handDown() const {
     setenv(kHandedDown, std::to_string(file_.number()).c_str(), 1);
 }
 
+void CollectionLock::shareWithCommands() {
+    fcntl(file_.number(), F_SETFD, 0);
+    isShared_ = true;
+}
+
 CollectionLock::~CollectionLock() {
     if (file_.isOpen() && ownsFile_) {
         note(file_.number(), "");
+    }
+    if (file_.isOpen() && isShared_) {
+        flock(file_.number(), LOCK_UN);
     }
 }
 

@@ -35,6 +35,10 @@ public:
     /// Lets the programs that this process starts share the lock.
     void handDown() const;
 
+    /// Has every command that is started from now on hold the lock too. It is free when this object goes, whatever
+    /// still runs; but if this process dies before, the commands that it has left behind keep it.
+    void shareWithCommands();
+
     CollectionLock(CollectionLock&&) = default;
     CollectionLock& operator=(CollectionLock&&) = default;
     ~CollectionLock();
@@ -44,6 +48,7 @@ private:
 
     host::FileDescriptor file_;
     bool ownsFile_;
+    bool isShared_ = false;
 };
 
 }  // namespace kvl::provider

@@ -18,7 +18,9 @@ constexpr std::size_t kUsualWidth = 80;
 }  // namespace
 
 void addRunOptions(CLI::App& command, RunOptions& options) {
-    command.add_option("--wait", options.waitSeconds, "Longest wait for another collection to end (default: 60)")
+    command
+        .add_option("--wait", options.waitSeconds,
+                    "Longest wait for another kvl to end (default: " + std::to_string(options.waitSeconds) + ")")
         ->type_name("SECONDS")
         ->check(CLI::Range(0, kLongestWait).description(""));
     CLI::Option* verbose = command.add_flag("-v,--verbose", options.verbose, "Show the trace on standard error");
@@ -41,7 +43,7 @@ std::size_t terminalWidth() {
 CollectionLock takeTurn(unsigned waitSeconds) {
     CollectionLock::Waiting waiting;
     waiting.begin = [waitSeconds](pid_t holder) {
-        std::cerr << "kvl: another collection runs on this machine"
+        std::cerr << "kvl: another kvl works on this machine"
                   << (holder > 0 ? " (process " + std::to_string(holder) + ")" : "") << ": waiting up to "
                   << waitSeconds << " s for its end\n";
     };

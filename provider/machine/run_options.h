@@ -17,10 +17,11 @@ struct RunOptions {
     unsigned waitSeconds = 60;
     bool verbose = false;
     bool quiet = false;
+    bool takesTurn = true;  ///< false for a command that changes nothing, and so keeps nobody away
 };
 
 /// Adds the options to the command.
-/// @param options  receives what was given; must live as long as the command
+/// @param options  holds the defaults and receives what was given; must live as long as the command
 void addRunOptions(CLI::App& command, RunOptions& options);
 
 /// What the operator is to see while the command runs: progress on a terminal alone.

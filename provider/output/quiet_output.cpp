@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <iostream>
 #include <memory>
@@ -44,6 +45,17 @@ QuietOutput::QuietOutput() {
 QuietOutput::~QuietOutput() {
     if (kept_.isOpen()) {
         dup2(kept_.number(), STDOUT_FILENO);
+    }
+}
+
+void QuietOutput::write(const std::string& text) const {
+    const int output = kept_.isOpen() ? kept_.number() : STDOUT_FILENO;
+    for (std::size_t written = 0; written < text.size();) {
+        const ssize_t count = ::write(output, text.data() + written, text.size() - written);
+        if (count < 0 && errno != EINTR) {
+            return;
+        }
+        written += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
 }
 

@@ -17,6 +17,9 @@ public:
     QuietOutput(const QuietOutput&) = delete;
     QuietOutput& operator=(const QuietOutput&) = delete;
 
+    /// Writes to this program's own output all the same.
+    void write(const std::string& text) const;
+
     /// Forgets what was printed so far.
     void forget();
 

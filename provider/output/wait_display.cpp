@@ -2,6 +2,8 @@
 
 #include <signal.h>
 
+#include <algorithm>
+
 namespace kvl::provider {
 namespace {
 
@@ -43,8 +45,19 @@ void WaitDisplay::begin(const std::string& what) {
     const std::lock_guard<std::mutex> lock(mutex_);
     what_ = what;
     seconds_ = 0;
+    limit_ = 0;
     next_ = Clock::now() + tick_;
     show(what);
+    changed_.notify_one();
+}
+
+void WaitDisplay::beginCountdown(const std::string& what, unsigned long seconds) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    what_ = what;
+    seconds_ = 0;
+    limit_ = seconds;
+    next_ = Clock::now() + tick_;
+    show(counted());
     changed_.notify_one();
 }
 
@@ -75,9 +88,16 @@ void WaitDisplay::count() {
                    Clock::now() >= next_) {
             next_ += tick_;
             ++seconds_;
-            show(what_ + ": " + std::to_string(seconds_) + " s");
+            show(counted());
         }
     }
+}
+
+std::string WaitDisplay::counted() const {
+    if (limit_ == 0) {
+        return what_ + ": " + std::to_string(seconds_) + " s";
+    }
+    return what_ + ": " + std::to_string(limit_ - std::min(limit_, seconds_)) + " s left";
 }
 
 void WaitDisplay::show(const std::string& text) {

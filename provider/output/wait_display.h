@@ -28,6 +28,9 @@ public:
     /// Shows what is waited for from now on, and each second how long that has been.
     void begin(const std::string& what);
 
+    /// Shows what is waited for from now on, and each second how long it will still be.
+    void beginCountdown(const std::string& what, unsigned long seconds);
+
     /// Shows a text as it is; nothing is counted any more.
     void tell(const std::string& text);
 
@@ -41,6 +44,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void count();
+    std::string counted() const;
     void show(const std::string& text);
 
     const std::chrono::milliseconds tick_;
@@ -51,6 +55,7 @@ private:
     std::string what_;  // empty: nothing is counted
     Clock::time_point next_;
     unsigned long seconds_ = 0;
+    unsigned long limit_ = 0;  // 0: it is counted up
     bool ends_ = false;
     std::thread counter_;
 };

@@ -44,7 +44,7 @@ struct FirmwareUpdate {
         return kvl::workPath("temp/" + adapterClass + "/firm/temp_hbacmd_Download.txt");
     }
     std::string downloadCommand(const std::string& file) const {
-        return "\"" + tool + "\" Download " + address + " \"" + folder + "/" + file + "\"";
+        return kvl::downloadCommand(tool, address, folder, file);
     }
 };
 

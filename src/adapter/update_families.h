@@ -42,6 +42,12 @@ inline const UpdateFamily* findUpdateFamily(const std::string& uniqueName) {
     return nullptr;
 }
 
+/// @return the command that sends a file of the unpacked module to the adapter
+inline std::string downloadCommand(const std::string& tool, const std::string& address, const std::string& folder,
+                                   const std::string& file) {
+    return "\"" + tool + "\" Download " + address + " \"" + folder + "/" + file + "\"";
+}
+
 }  // namespace kvl
 
 #endif

@@ -69,7 +69,55 @@ TEST(CollectionLock, TellsItsHolderAndGivesUpAfterThePauses) {
     EXPECT_THROW(CollectionLock::take(scratch / "lock", 3, recorded.waiting()), ProviderError);
     EXPECT_EQ(std::vector<pid_t>{getpid()}, recorded.holders);
     EXPECT_EQ(3U, recorded.pauses);
-    EXPECT_THAT(refusal(scratch / "lock"), HasSubstr("--wait SECONDS"));
+    EXPECT_EQ("another kvl (process " + std::to_string(getpid()) +
+                  ") still works on this machine: try again when it has ended, or wait longer with --wait SECONDS",
+              refusal(scratch / "lock"));
+}
+
+TEST(CollectionLock, StaysWithACommandThatADeadHolderHasLeftBehind) {
+    const ScratchDirectory scratch;
+    std::array<int, 2> ends{};
+    ASSERT_EQ(0, pipe(ends.data()));
+    const pid_t holder = fork();
+    if (holder == 0) {
+        RecordedWaiting recorded;
+        CollectionLock held = CollectionLock::take(scratch / "lock", 0, recorded.waiting());
+        held.shareWithCommands();
+        if (fork() == 0) {
+            close(ends[1]);
+            char byte = 0;
+            const char* const shell = "/bin/sh";
+            // The command ends when the test closes its end of the pipe.
+            dup2(ends[0], STDIN_FILENO);
+            execl(shell, shell, "-c", "read -r line", nullptr);
+            _exit(static_cast<int>(read(ends[0], &byte, 1)));
+        }
+        raise(SIGKILL);
+    }
+    close(ends[0]);
+    ASSERT_EQ(holder, waitpid(holder, nullptr, 0));
+    EXPECT_EQ(
+        "another kvl, or a command that one has left behind, still works on this machine: try again when it has ended, "
+        "or wait longer with --wait SECONDS",
+        refusal(scratch / "lock"));
+    close(ends[1]);
+    EXPECT_EQ("taken", refusal(scratch / "lock", 1'000'000));
+}
+
+TEST(CollectionLock, IsFreeWhenItsHolderGoesWhateverCommandStillRuns) {
+    const ScratchDirectory scratch;
+    RecordedWaiting recorded;
+    auto held = std::make_unique<CollectionLock>(CollectionLock::take(scratch / "lock", 0, recorded.waiting()));
+    held->shareWithCommands();
+    const pid_t command = fork();
+    if (command == 0) {
+        execl("/bin/sh", "sh", "-c", "sleep 60", nullptr);
+        _exit(127);
+    }
+    held.reset();
+    EXPECT_EQ("taken", refusal(scratch / "lock"));
+    kill(command, SIGKILL);
+    waitpid(command, nullptr, 0);
 }
 
 TEST(CollectionLock, IsTakenWhenTheHolderEnds) {

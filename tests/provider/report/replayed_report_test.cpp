@@ -231,8 +231,8 @@ TEST(ReplayedReport, GivesUpWhenAnotherCollectionGoesOn) {
         runInside(options, std::string("/usr/bin/flock /tmp/kvl.lock ") + KVL_PROGRAM + " report --wait 0");
     EXPECT_EQ(3, outcome.status);
     EXPECT_EQ(
-        "kvl: another collection still runs on this machine: try again when it has ended, or wait longer with --wait "
-        "SECONDS\n",
+        "kvl: another kvl, or a command that one has left behind, still works on this machine: try again when it has "
+        "ended, or wait longer with --wait SECONDS\n",
         outcome.errors);
 }
 
@@ -241,7 +241,7 @@ TEST(ReplayedReport, RunsOneCollectionAtATime) {
     const Outcome outcome = runInside(
         rootWithKvl(std::string(KVL_MACHINES_FOLDER) + "/one-port"),
         "cd /tmp; " + program + " report >1 2>errors1 & first=$!; " + program + " report >2 2>errors2; second=$?; " +
-            "wait $first; echo $? $second; cat 1 2; cat errors1 errors2 | grep -v 'another collection runs'");
+            "wait $first; echo $? $second; cat 1 2; cat errors1 errors2 | grep -v 'another kvl works'");
     EXPECT_EQ("0 0\n" + expected("one_port_report.txt") + expected("one_port_report.txt"), outcome.output)
         << outcome.errors;
 }

@@ -1,0 +1,59 @@
+#ifndef KVL_PROVIDER_UPDATE_FIRMWARE_PLAN_H
+#define KVL_PROVIDER_UPDATE_FIRMWARE_PLAN_H
+
+#include <string>
+#include <vector>
+
+#include "adapter/update_families.h"
+#include "provider/adapters/adapter_inventory.h"
+#include "provider/update/module_archive.h"
+#include "provider/update/procedure.h"
+
+namespace kvl::provider {
+
+/// What an operator asks for.
+struct FirmwareRequest {
+    std::string device;
+    std::string moduleDirectory;
+    std::string uniqueName;
+    std::string family;   ///< empty: by the port's type
+    std::string scratch;  ///< empty: in the working tree
+    std::string tree;     ///< the working tree of the update itself, which isn't that of a dry run
+};
+
+/// An update of firmware and boot code that can be carried out, as far as looking tells.
+struct FirmwarePlan {
+    std::string device;
+    std::string family;
+    const UpdateFamily* updateFamily = nullptr;
+    std::string uniqueName;
+    UpdateModule module;
+    std::string tool;
+    std::string address;
+    std::string firmware;
+    std::string bootCode;       ///< empty without one
+    std::string scratch;        ///< is deleted and made anew
+    std::string workDirectory;  ///< of the adapter's class, in the working tree
+    bool isJudgedByMessages = false;
+
+    std::string resultDirectory() const { return workDirectory + "/firm"; }
+    std::string resultFile() const { return resultDirectory() + "/temp_hbacmd_Download.txt"; }
+    std::string downloadCommand(const std::string& file) const;
+
+    /// What will be done, in its order.
+    std::vector<std::string> description() const;
+
+    /// The same as the library traces it.
+    std::vector<ProcedureStep> steps() const;
+};
+
+/// The number of a location's function.
+int functionOf(const std::string& device);
+
+/// Looks whether everything is there that the update needs. Nothing is changed.
+/// @throws AdapterFailure, ProviderError with what is missing
+FirmwarePlan planFirmwareUpdate(const FirmwareRequest& request, const AdapterInventory& inventory);
+
+}  // namespace kvl::provider
+
+#endif

@@ -1,0 +1,46 @@
+#ifndef KVL_PROVIDER_UPDATE_NOTED_SIGNALS_H
+#define KVL_PROVIDER_UPDATE_NOTED_SIGNALS_H
+
+#include <signal.h>
+
+#include <atomic>
+#include <functional>
+#include <thread>
+
+#include "reference_host/file_descriptor.h"
+
+namespace kvl::provider {
+
+/// Keeps the signals by which an operator or a terminal ends or stops programs away from this process and from all
+/// commands that it starts, for as long as the object lives: an updater that is broken off half-way can leave an
+/// adapter without firmware. They are noted instead.
+///
+/// To be made before other threads that don't block all signals. A command that unblocks a signal for itself gets it.
+class NotedSignals {
+public:
+    /// @param told  is called on a thread of its own with the first signal that comes
+    explicit NotedSignals(std::function<void(int signal)> told);
+
+    /// What came in the meantime is gone.
+    ~NotedSignals();
+
+    NotedSignals(const NotedSignals&) = delete;
+    NotedSignals& operator=(const NotedSignals&) = delete;
+
+    /// The first signal that came; 0 if none did.
+    int first() const { return first_.load(); }
+
+private:
+    void watch(const std::function<void(int signal)>& told);
+
+    sigset_t before_{};
+    struct sigaction brokenPipe_ {};
+    host::FileDescriptor signals_;
+    host::FileDescriptor end_;
+    std::atomic<int> first_{0};
+    std::thread watcher_;
+};
+
+}  // namespace kvl::provider
+
+#endif
