@@ -79,10 +79,12 @@ protected:
     }
 
     bool update(bool unusedFlag = false) {
-        return quietly([&] {
+        const bool isUpdated = quietly([&] {
             return CEmulexCommon::FwUpdate(deviceId, moduleDir, folder, tool, &files, unusedFlag, module,
                                            family.uniqueName);
         });
+        EXPECT_THAT(TestHost::operatorMessages(), testing::IsEmpty());
+        return isUpdated;
     }
 
     static unsigned long lastError() { return CEmulexCommon::GetLastError(); }
@@ -135,10 +137,12 @@ protected:
                          successLookTrace({kDownloaded[0], kDownloaded[1]}, true));
     }
 
+    std::string resultFile() const { return module == "cna" ? kCnaResult : kFcResult; }
+
     /// An update whose first file fails.
     Lines firstFailedTrace(const Lines& judgement) const {
         return family.bootCode.empty()
-                   ? sentTrace(judgedTrace(judgement, command(family.firmware)) + Lines{notOpenedTrace(kCnaResult)})
+                   ? sentTrace(judgedTrace(judgement, command(family.firmware)) + Lines{notOpenedTrace(resultFile())})
                    : sentTrace(Lines{executeTrace()} + judgedTrace(judgement, command(family.bootCode)) +
                                Lines{bootCodeFailedTrace()});
     }
@@ -174,7 +178,6 @@ TEST_F(FwUpdateFamily, HasItsFilesSentToFunctionZero) {
         EXPECT_EQ(TestHost::sleeps(), Sleeps(goodCalls().size(), 30000));
         EXPECT_FALSE(fs::exists(folder));
         EXPECT_EQ(contentOf(kCnaResult), textOf(kDownloaded));
-        EXPECT_THAT(TestHost::operatorMessages(), testing::IsEmpty());
     }
 }
 
@@ -764,6 +767,37 @@ TEST_F(FwUpdateDownload, FailsWhereTheMessageFileIsADirectory) {
     EXPECT_EQ(TestHost::trace(), firstFailedTrace({"2 no successMessage"}));
     EXPECT_EQ(calls(), goodCalls());
     EXPECT_EQ(namesIn(folder), (Lines{"firmware.ufi", "message.txt"}));
+}
+
+TEST_F(FwUpdate, NamesTheResultFileOfItsClassWhereItFails) {
+    useModule("fc");
+    begin(kWwnFamily);
+    layTool(tool, {"echo Failed"});
+    EXPECT_FALSE(update());
+    EXPECT_EQ(lastError(), 17U);
+    EXPECT_EQ(TestHost::trace(), firstFailedTrace(kMessages.trace() + 5 * endLookTrace({"Failed"}, false) +
+                                                  Lines{"2 No such end message."}));
+
+    begin(kWwnFamily, "-without-message");
+    fs::remove_all(kWorkRoot + "/temp/FC/firm");
+    EXPECT_FALSE(update());
+    EXPECT_EQ(lastError(), 17U);
+    EXPECT_EQ(TestHost::trace(), sentTrace({notOpenedTrace(kFcResult)}));
+}
+
+TEST_F(FwUpdate, LooksForTheMessageFileOnceMoreBehindTheBootCode) {
+    begin(kBootCodeFamily);
+    TestHost::onTrace([this](const std::string& line) {
+        if (line == "1 Update Result Check OK") {
+            fs::remove(folder + "/message.txt");
+        }
+    });
+    EXPECT_TRUE(update());
+    EXPECT_EQ(calls(), (Lines{call("boot.prg"), callIn(fs::current_path().string(), "firmware.all")}));
+    EXPECT_EQ(TestHost::trace(), sentTrace(Lines{executeTrace()} +
+                                           judgedTrace(kMessages.trace() + endLookTrace(kDownloaded, true) +
+                                                       successLookTrace({kDownloaded[0], kDownloaded[1]}, true)) +
+                                           deleteFolderTrace()));
 }
 
 // ---- Firmware without a message file ----

@@ -28,8 +28,10 @@ protected:
 
     bool update(const std::string& command, int resultMode) {
         exitCode = 1000;
-        return CEmulexCommon::EmulexUpdate(command, output, workDir, &exitCode, reportDir, messageFile, resultMode,
-                                           module);
+        const bool isUpdated = CEmulexCommon::EmulexUpdate(command, output, workDir, &exitCode, reportDir, messageFile,
+                                                           resultMode, module);
+        EXPECT_THAT(TestHost::operatorMessages(), testing::IsEmpty());
+        return isUpdated;
     }
 
     bool check() { return CEmulexCommon::CheckUpdateResult_(output, messageFile, module); }
@@ -53,14 +55,6 @@ protected:
     std::string messageFile = "/tmp/message.txt";
     unsigned long exitCode = 0;
 };
-
-Lines operator*(std::size_t times, const Lines& lines) {
-    Lines all;
-    for (std::size_t time = 0; time < times; ++time) {
-        all.insert(all.end(), lines.begin(), lines.end());
-    }
-    return all;
-}
 
 /// What the judgement of a good output traces that is complete at the first look.
 Lines goodJudgement(const MessageFile& messages = kMessages) {
@@ -365,13 +359,25 @@ TEST_F(UpdaterOutput, FailsWithTheSameCodeWhereTheResultFileCannotBeOpened) {
 }
 
 TEST_F(UpdaterOutput, OfAWorkDirectoryThatIsAFileIsThatOfTheEarlierRun) {
-    // The updater is not started, but its shell ends by itself, and nothing empties the result file.
+    // The updater is not started, but the child ends by itself before it becomes a shell, and nothing empties the
+    // result file.
     machine.file("/tmp/file", "");
     machine.file(output, textOf(kGoodOutput));
     workDir = "/tmp/file";
     EXPECT_TRUE(update("true", 3));
     EXPECT_EQ(exitCode, 1U);
     EXPECT_EQ(TestHost::trace(), updaterTrace(3, goodJudgement()));
+}
+
+TEST_F(UpdaterOutput, IsWrittenInTheWorkDirectoryButLookedForHereWhereItsPathIsRelative) {
+    workDir = "/tmp/work";
+    machine.directory(workDir);
+    output = "only-there";
+    EXPECT_FALSE(update("echo 0", 2));
+    EXPECT_EQ(lastError(), 17U);
+    EXPECT_EQ(contentOf("/tmp/work/only-there"), "0\n");
+    EXPECT_EQ(TestHost::trace(),
+              (Lines{"4 CEmulexCommon::EmulexUpdate() Resultmode = 2 [START]", notOpenedTrace("only-there")}));
 }
 
 TEST_F(UpdaterOutput, MayBeFinishedByAGrandchildThatHoldsTheResultFile) {
@@ -508,6 +514,30 @@ TEST_F(UpdaterReport, OfWhichThereAreSeveralIsAFailureWithAllOfThemDeleted) {
         EXPECT_EQ(TestHost::sleeps(), looks(1));
         EXPECT_EQ(namesIn(kReports), (Lines{"kept.log"}));
     }
+}
+
+TEST_F(UpdaterReport, OfWhichThereAreSeveralAreDeletedBeforeThatIsTold) {
+    Lines present;
+    TestHost::onTrace([&present](const std::string& line) {
+        if (line == kSomeReportsTrace) {
+            present = namesIn(kReports);
+        }
+    });
+    EXPECT_FALSE(update(leaving({"a.txt", "b.txt", "kept.log"}), 4));
+    EXPECT_EQ(present, (Lines{"kept.log"}));
+}
+
+TEST_F(UpdaterReport, OfAnEarlierRunIsDeletedBehindTheStartLine) {
+    machine.file(kReports + "/earlier.txt", "");
+    Lines present;
+    TestHost::onTrace([&present](const std::string& line) {
+        if (line == "4 CEmulexCommon::EmulexUpdate() Resultmode = 4 [START]") {
+            present = namesIn(kReports);
+        }
+    });
+    EXPECT_FALSE(update("true", 4));
+    EXPECT_EQ(present, (Lines{"earlier.txt"}));
+    EXPECT_EQ(namesIn(kReports), kNoLines);
 }
 
 TEST_F(UpdaterReport, OfWhichThereAreSeveralIsAFailureAtOnceWithoutEndTexts) {
@@ -809,6 +839,8 @@ TEST_F(UpdateEnd, IsWaitedForInADirectory) {
     machine.directory(output);
     EXPECT_FALSE(check());
     EXPECT_EQ(lastError(), 36U);
+    EXPECT_EQ(TestHost::sleeps(), looks(5));
+    EXPECT_EQ(TestHost::trace(), resultCheckTrace(kMessages.trace() + Lines{"2 No such end message."}));
 }
 
 TEST_F(UpdateEnd, IsAnyOfTheEndTexts) {

@@ -95,6 +95,15 @@ inline Lines successLookTrace(const Lines& output, bool isFound) {
                             : Lines{"2 No such success message."});
 }
 
+/// The same lines several times.
+inline Lines operator*(std::size_t times, const Lines& lines) {
+    Lines all;
+    for (std::size_t time = 0; time < times; ++time) {
+        all.insert(all.end(), lines.begin(), lines.end());
+    }
+    return all;
+}
+
 /// A message file of success texts and, behind them, end texts.
 struct MessageFile {
     Lines success;
