@@ -25,16 +25,16 @@ std::string CONVERT_DEVID(std::string DeviceID);
 /// The procedures for Emulex adapters. All operations are static and block the caller's thread. Nothing is locked but
 /// the search of `LatestFile`: two procedures must not run at once, in one process or in two.
 ///
-/// An operation that reports failure leaves the cause in the last error; error_codes.h lists the codes. Nothing
-/// clears it, so after a success it still holds an earlier failure.
+/// An operation that reports failure leaves the cause in the last error, as far as it names codes; error_codes.h lists
+/// them. Nothing clears it, so after a success, or a failure without a code, it still holds an earlier failure.
 ///
 /// `moduleName` goes first into every trace line, but for the start line of `GetVenderIdList`, where "cna" does. It
 /// also selects the adapter family: "cna", or FC for any other text. A few rules hold for the text "fc" alone, where
 /// they say so.
 ///
 /// The working tree lies in tmp/EMULEX below the install directory. `hbacmd` is the management tool at
-/// /usr/sbin/ocmanager/hbacmd. What it reports is read line by line; a line of more than 255 characters counts as
-/// several.
+/// /usr/sbin/ocmanager/hbacmd. Its list and its dumps are read line by line, where a line of more than 255 characters
+/// counts as several; the lines of an updater's output and of a message file have any length.
 class CEmulexCommon {
 public:
     // ---- Last error ----
@@ -203,19 +203,23 @@ public:
 
     // ---- Running updaters ----
 
-    /// Runs an updater without a limit of time and judges its outcome. What it has done stays, however it is judged.
+    /// Runs an updater without a limit of time and judges its outcome. What it has changed stays, however it is judged.
     /// @param command      a text for `sh -c`
-    /// @param resultFile   created or emptied; receives its standard output
+    /// @param resultFile   an absolute path; created or emptied; receives its standard output
     /// @param workDir      where it runs; empty for here
-    /// @param returnCode   receives its exit status; 255 if it didn't run or was ended by a signal
+    /// @param returnCode   not null; receives its exit status: 255 if it could not be started or a signal ended it, 1
+    /// also
+    ///                     if the result file can't be opened or `workDir` can't be entered
     /// @param reportDir    where it leaves a report, whose files *.txt are deleted first; empty: nothing is deleted
     /// @param messageFile  for the rules 3 and 4: a text file of lines "SuccessMessage=" and "EndMessage=", up to five
     ///                     each. The output must come to hold an end text, where there is one, in up to 150 seconds,
     ///                     and must hold a success text
     /// @param Resultmode   the rule: 1 the exit status is 0; 2 the output's first line is "0"; 3 the output holds the
-    ///                     texts; 4 the only report holds them. Any other number fails behind the run, without a code
-    /// @return true if the rule is met; codes 17 (not run, or no file for the rule) and 33 (judged a failure); none if
-    ///         rule 4 finds no report
+    ///                     texts; 4 the only report holds them, of several all are deleted and it fails. Any other
+    ///                     number fails behind the run, without a code
+    /// @return true if the rule is met; codes 17 (it could not be started or waited for, or a signal ended it; rule 2:
+    ///         the result file can't be opened; rules 3 and 4: `messageFile` is empty) and 33 (any other failure); none
+    ///         if rule 4 finds no report
     static bool EmulexUpdate(std::string command, std::string resultFile, std::string workDir,
                              unsigned long* returnCode, std::string reportDir, std::string messageFile, int Resultmode,
                              std::string moduleName);
@@ -235,14 +239,14 @@ public:
 
     /// Updates the firmware, and boot code where the family has it, of one adapter function from an update module, by
     /// `hbacmd Download`. Boot code goes first, and its failure keeps the firmware from being touched. Without a
-    /// message file in the module the firmware is sent up to four times, until the tool prints "Download Complete".
-    /// The tool's output goes into temp/CNA/firm/temp_hbacmd_Download.txt of the working tree, or temp/FC/firm: the
-    /// caller makes that directory.
+    /// message file in the module the firmware is sent up to four times, until the tool prints "Download Complete";
+    /// boot code without one fails when it has been sent. The tool's output goes into
+    /// temp/CNA/firm/temp_hbacmd_Download.txt of the working tree, or temp/FC/firm: the caller makes that directory.
     /// @param DeviceID     as for `GetHBAInfo`; the caller has run `hbacmd listhbas`
     /// @param moduleDir    where the module's files lie
     /// @param unzipFolder  is deleted first, receives the unpacked module, and is deleted after a success
     /// @param hbacmdPath   the tool
-    /// @param moduleFiles  names of the module's files; the first that holds ".zip" is unpacked
+    /// @param moduleFiles  not null: names of the module's files; the first that holds ".zip" is unpacked
     /// @param uniqueName   the family: OCe11102, OCl14104, fcelx_16g, fcelx_8g1p, or a name that begins with
     ///                     fcelx_8g2p. The first three are updated through function 0 alone
     /// @return true if updated, or skipped since the function isn't 0, as it also is for an unknown family; codes 13,
@@ -253,11 +257,11 @@ public:
                          std::string uniqueName);
 
     /// Tells whether the management tool stands as a silent install left it: by the settings in /etc/emulexDiscConfig
-    /// and /etc/emulexRMConfig, and by `rpm -qa`, which must not name elxocmjvm. The answer of the latter goes into
-    /// temp/rpm_grep_result.txt of the working tree.
+    /// and /etc/emulexRMConfig, and by a search of `rpm -qa` for "elxocmjvm-", ten characters and "rpm", whose exit
+    /// status goes into temp/rpm_grep_result.txt of the working tree and must not be 0.
     /// @param ModuleKind  for the trace alone
-    /// @return true if so; false if not, or if it can't be told: code 17 for a settings file that can't be opened, none
-    ///         otherwise
+    /// @return true if so, also where `rpm` or `grep` fails; false if not, or if the shell fails or a file can't be
+    ///         opened: code 17 for a settings file, none otherwise
     static bool OCMInstallCheck(std::string unused, std::string ModuleKind, std::string moduleName);
 
     /// Replaces the management tool by the one in an update module: runs uninstall.sh and then install.sh -q from the
@@ -265,9 +269,10 @@ public:
     /// temp/temp_ocm_uninstall.txt and temp/temp_ocm_install.txt of the working tree; while the latter exists, be it
     /// of an install that failed, every further call is skipped. The module stays unpacked in temp/tmp.
     /// @param moduleDir    where the module's files lie
-    /// @param moduleFiles  their names; the first that holds ".zip" is unpacked
-    /// @return true if updated or skipped; codes 19, 26 and 28, each with an operator message, 17 (a script failed; the
-    ///         old tool may be gone) and 29, or none for a machine that is neither x86 nor x64
+    /// @param moduleFiles  not null: their names; the first that holds ".zip" is unpacked
+    /// @return true if updated or skipped; codes 19, 26 and 28, each with an operator message, 17 (a script failed) and
+    ///         29 (a script is missing), after either of which the old tool may be gone, or none for a machine that is
+    ///         neither x86 nor x64
     static bool OCMUpdate(std::string unused1, std::string moduleDir, std::list<std::string>* moduleFiles, bool unused2,
                           std::string moduleName);
 
@@ -275,27 +280,30 @@ public:
 
     /// Marks a kind of update. The mark outlasts the process.
     /// @param kind  1 NIC, 2 FCoE, 3 iSCSI; nothing is marked for another number, which is no error
-    /// @return false if the mark can't be written (code 17)
+    /// @return false if the marker file can't be opened (code 17)
     static bool SequentialUpadateFileWrite(int kind, std::string unused1, std::string unused2, std::string moduleName);
 
-    /// Hands the marked kinds back and takes all marks away.
+    /// Hands the marked kinds back and takes all marks away, but for one that can't be read. One that can't be deleted
+    /// costs up to 55 seconds of `Sleep`.
     /// @param kinds  receives "NIC", "FCoE" and "iSCSI", in this order, as far as they are marked, and nothing else
-    /// @return false if a mark can't be deleted: it stays, as those behind it do. Code 17 tells of each kind that isn't
-    ///         marked, also after a success
+    /// @return false if a mark can't be deleted: it stays, as those behind it do, and `kinds` has what was found. Code
+    /// 17
+    ///         tells of each kind that isn't marked or can't be read, also after a success
     static bool SequentialUpadateFileRead(std::list<std::string>* kinds, std::string moduleName);
 
     // ---- Boot files ----
 
-    /// Has `depmod -a` prefer the updated drivers: adds the override lines, where they are missing, to elxbe2net.conf,
-    /// elxlpfc.conf and elxbe2iscsi.conf in /etc/depmod.d, and runs it. Without a driver nothing is done.
+    /// Has `depmod -a` prefer the updated drivers: adds the override lines to elxbe2net.conf, elxlpfc.conf and
+    /// elxbe2iscsi.conf in /etc/depmod.d, unless a file holds "override" and the driver's name anywhere, a comment
+    /// included, and runs it. Without a driver nothing is done.
     /// @return false if a file can't be opened (code 17), which keeps neither the others nor `depmod` from being done,
     ///         or if `depmod` fails (no code)
     static bool DepmodExecute(bool be2netOverride, bool lpfcOverride, bool be2iscsiOverride, std::string moduleName);
 
-    /// Rebuilds the initial RAM disk of the running kernel, on a release 6 alone: moves it to
-    /// /boot/initramfs-`uname -r`.img.org and runs `dracut`.
-    /// @return true if done, or if there is nothing to do on this release; false if a command fails (no code). If
-    ///         `dracut` does, the kernel is left without its image: nothing moves it back
+    /// Rebuilds the initial RAM disk of the running kernel, where the first line of /etc/redhat-release holds "release
+    /// 6", as that of a release 60 would: moves it to /boot/initramfs-`uname -r`.img.org and runs `dracut`.
+    /// @return true if done, or if there is nothing to do on this release or on one that can't be read; false if a
+    ///         command fails (no code). If `dracut` does, the kernel is left without its image: nothing moves it back
     static bool DracutExcute(std::string moduleName);
 };
 

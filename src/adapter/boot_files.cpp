@@ -18,11 +18,12 @@ namespace {
 /// The configuration file by which `depmod` prefers a driver's newer modules.
 struct Override {
     const char* path;
-    const char* search;  ///< A file that holds this anywhere has its lines already.
+    const char* search;  ///< A file that holds this anywhere is taken to have its lines.
     const char* updates;
     const char* plain;
 };
 
+// kept: the modules of one driver lie in a directory of another name, and the newer ones come first.
 constexpr std::array<Override, 3> kOverrides = {{
     {"/etc/depmod.d/elxbe2net.conf", "override be2net", "override be2net * weak-updates/updates/be2net",
      "override be2net * weak-updates/be2net"},
@@ -40,6 +41,7 @@ struct ImageCommand {
     const char* failure;
 };
 
+// kept: with two blanks each.
 constexpr std::array<ImageCommand, 2> kImageCommands = {{
     {"mv -f  /boot/initramfs-`uname -r`.img  /boot/initramfs-`uname -r`.img.org", "mv -f command error.(%d,%d)"},
     {"dracut /boot/initramfs-`uname -r`.img", "dracut command error.(%d,%d)"},
@@ -115,9 +117,9 @@ bool CEmulexCommon::DracutExcute(std::string moduleName) {
     const AdapterTrace trace(moduleName);
     const std::string release = CCommon_Information::GetResultLine("cat /etc/redhat-release");
     if (release.empty()) {
-        trace.flow("cat /etc/redhat-releas command error.");
+        trace.flow("cat /etc/redhat-releas command error.");  // kept: without the last letter
     }
-    if (!kvl::holds(release, "release 6")) {
+    if (!kvl::holds(release, "release 6")) {  // kept: a release 60 would do
         return true;
     }
     for (const ImageCommand& image : kImageCommands) {

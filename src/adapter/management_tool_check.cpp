@@ -50,6 +50,7 @@ struct ConfigurationFile {
     const Setting* end() const { return first + count; }
 };
 
+// kept: the first failure's text has a bracket of its own.
 constexpr std::array<ConfigurationFile, 2> kConfigurationFiles = {{
     {"/etc/emulexDiscConfig", "emulexDiscConfig", kDiscoverySettings.data(), kDiscoverySettings.size(),
      "0 < iDiskKeyWordCount ) || ( iRet != true )"},
@@ -129,7 +130,8 @@ bool checkConfiguration(const ConfigurationFile& file, const AdapterTrace& trace
     return true;
 }
 
-/// Asks the package manager for the tool's graphical part, which a silent install leaves out.
+/// Looks for the package elxocmjvm, which a silent install leaves out.
+/// @return true unless `grep` tells of a hit
 bool isPackageMissing(const AdapterTrace& trace) {
     const std::string answer = kvl::workPath("temp/rpm_grep_result.txt");
     // kept: the names that rpm prints have no ending, so the pattern hardly ever matches.
@@ -140,7 +142,7 @@ bool isPackageMissing(const AdapterTrace& trace) {
     }
     std::ifstream lines(answer);
     if (!lines.is_open()) {
-        trace.error("Failed to open file(%s).", answer);
+        trace.error("Failed to open file(%s).", answer);  // kept: without a code
         return false;
     }
     std::string grepStatus;
@@ -166,6 +168,6 @@ bool CEmulexCommon::OCMInstallCheck(std::string /*unused*/, std::string ModuleKi
         std::all_of(kConfigurationFiles.begin(), kConfigurationFiles.end(),
                     [&trace](const ConfigurationFile& file) { return checkConfiguration(file, trace); }) &&
         isPackageMissing(trace);
-    trace.flow("CEmulexCommon::OCMInstallCheck() [END]");
+    trace.flow("CEmulexCommon::OCMInstallCheck() [END]");  // kept: no boundary line
     return isSilentInstall;
 }

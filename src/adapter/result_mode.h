@@ -7,8 +7,8 @@ namespace kvl {
 enum ResultMode : int {
     kByExitCode = 1,   ///< It ends with 0.
     kByFirstLine = 2,  ///< Its output begins with the line "0".
-    kByOutput = 3,     ///< Its output holds a text of the message file.
-    kByReport = 4,     ///< The one report that it leaves holds such a text.
+    kByOutput = 3,     ///< Its output holds the texts that the message file wants.
+    kByReport = 4,     ///< The one report that it leaves holds them.
 };
 
 }  // namespace kvl

@@ -12,7 +12,7 @@ namespace kvl {
 struct UpdateFamily {
     const char* uniqueName;
     bool isBeginning;           ///< A name counts that begins so; otherwise it must be equal.
-    bool updatesEveryFunction;  ///< Otherwise function 0 alone, which brings the others along.
+    bool updatesEveryFunction;  ///< Otherwise function 0 alone.
     const char* firmwarePattern;
     const char* bootCodePattern;  ///< Null without boot code of its own.
     const char* addressKey;       ///< What the adapter list calls the address that the tool wants.
