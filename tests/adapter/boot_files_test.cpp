@@ -1,6 +1,8 @@
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <csignal>
+#include <cstdio>
 #include <filesystem>
 
 #include "tests/adapter/adapter_test.h"
@@ -62,6 +64,29 @@ std::string notOpened(const Driver& driver) {
 std::string depmodError(int status) {
     return "2 depmod -a error.(" + std::to_string(status) + ")";
 }
+
+/// Has each write to a regular file fail as long as this object lives, as on a full disk. Files can be opened and made.
+class FullDisk {
+public:
+    FullDisk() {
+        std::fflush(nullptr);
+        EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &former_), 0);
+        setLimit({0, former_.rlim_max});
+    }
+    ~FullDisk() {
+        setLimit(former_);
+        std::signal(SIGXFSZ, formerHandler_);
+    }
+
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    static void setLimit(const rlimit& limit) { EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0); }
+
+    rlimit former_{};
+    void (*formerHandler_)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
 
 class Depmod : public BootFiles {
 protected:
@@ -239,11 +264,27 @@ TEST_F(Depmod, FailsForAFileThatCannotBeWritten) {
     }
 }
 
+TEST_F(Depmod, TakesAWriteThatFailsForDoneWhereTheFileCanBeOpened) {
+    machine.file(kDrivers[1].path, "# comment\n");
+    answer(0);
+    {
+        const FullDisk fullDisk;
+        EXPECT_TRUE(executeAll());
+    }
+    EXPECT_EQ(TestHost::trace(), depmodTrace());
+    EXPECT_EQ(commands, (Lines{"depmod -a"}));
+    EXPECT_EQ(takeError(), kEarlierError);
+    EXPECT_EQ(contentOf(kDrivers[0].path), "");
+    EXPECT_EQ(contentOf(kDrivers[1].path), "# comment\n");
+    EXPECT_EQ(contentOf(kDrivers[2].path), "");
+}
+
 TEST_F(Depmod, FailsWithoutTheDirectory) {
     fs::remove(fs::path("/etc/depmod.d"));
     EXPECT_FALSE(execute(1));
     EXPECT_EQ(TestHost::trace(), depmodTrace({notOpened(kDrivers[1])}));
     EXPECT_EQ(takeError(), 17U);
+    EXPECT_EQ(machine.commandsRun(), (Lines{"/sbin/depmod -a"}));
     EXPECT_FALSE(fs::exists("/etc/depmod.d"));
 }
 
@@ -304,6 +345,8 @@ TEST_F(Depmod, KeepsTheCodeOfAFileWhereDepmodFailsToo) {
     EXPECT_FALSE(execute(true, false, true));
     EXPECT_EQ(TestHost::trace(), depmodTrace({notOpened(kDrivers[2])}, depmodError(256)));
     EXPECT_EQ(takeError(), 17U);
+    EXPECT_EQ(contentOf(kDrivers[0].path), kDrivers[0].lines);
+    EXPECT_EQ(commands, (Lines{"depmod -a"}));
 }
 
 TEST_F(Depmod, TracesUnderTheGivenModuleName) {

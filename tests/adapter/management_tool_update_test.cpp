@@ -136,11 +136,25 @@ protected:
     /// What runs up to the scripts.
     static Lines unpackCommands() { return {"/bin/unzip -o /tmp/modules/tool.zip -d " + kScratch, "/bin/uname -m"}; }
 
-    static Lines readyCommands() {
-        return unpackCommands() + Lines{"/bin/chmod 777 " + kInstall + " " + kDirectory + "/message.txt " + kUninstall};
+    /// The call that makes a directory's files runnable, which are named in order.
+    static std::string chmodCall(const Lines& names, const std::string& directory = kDirectory) {
+        std::string call = "/bin/chmod 777";
+        for (const std::string& name : names) {
+            call += " " + directory + "/" + name;
+        }
+        return call;
+    }
+
+    static Lines readyCommands(const Lines& names = {"install.sh", "message.txt", "uninstall.sh"}) {
+        return unpackCommands() + Lines{chmodCall(names)};
     }
 
     static Lines updateCommands() { return readyCommands() + Lines{kUninstall, kInstall + " -q"}; }
+
+    /// What runs for a module of the build. Its scripts note no call.
+    static Lines moduleCommands(const Lines& names, const std::string& directory = kDirectory) {
+        return {"/bin/uname -m", chmodCall(names, directory)};
+    }
 
     /// A failure that the debug trace alone tells of.
     void expectFailure(unsigned long code, const Lines& between) {
@@ -518,6 +532,8 @@ TEST_F(ManagementToolUpdate, FailsWithoutACodeForAnArchitectureThatCannotBeAsked
     machine.command("/bin/uname -m", "x86_64\n", {1});
     expectFailure(kEarlierError, deleteFolderTrace() + moduleUnzipTrace("/tmp/modules/tool.zip", kScratch) +
                                      kArchitectureTrace + Lines{"2 Failed to get os architecture."});
+    EXPECT_EQ(machine.commandsRun(), unpackCommands());
+    EXPECT_EQ(filesLeft(), (Lines{"tmp"}));
 }
 
 // ---- The scripts ----
@@ -553,8 +569,7 @@ TEST_F(ManagementToolUpdate, FailsForSeveralUninstallScripts) {
 TEST_F(ManagementToolUpdate, RemovesTheOldToolBeforeItMissesTheInstallScript) {
     fs::remove(kModuleFiles + "/x64/install.sh");
     expectFailure(29, readyTrace() + passedTrace(kUninstallLines) + Lines{kNoInstall});
-    const Lines commands = {"/bin/chmod 777 " + kDirectory + "/message.txt " + kUninstall, kUninstall};
-    EXPECT_EQ(machine.commandsRun(), unpackCommands() + commands);
+    EXPECT_EQ(machine.commandsRun(), readyCommands({"message.txt", "uninstall.sh"}) + Lines{kUninstall});
     EXPECT_EQ(filesLeft(), (Lines{"temp_ocm_uninstall.txt", "tmp"}));
 }
 
@@ -563,6 +578,26 @@ TEST_F(ManagementToolUpdate, RemovesTheOldToolBeforeItFindsSeveralInstallScripts
     expectFailure(29, readyTrace() + passedTrace(kUninstallLines) + Lines{kSeveral});
     EXPECT_EQ(machine.commandsRun(), readyCommands() + Lines{kUninstall});
     EXPECT_EQ(filesLeft(), (Lines{"temp_ocm_uninstall.txt", "tmp"}));
+}
+
+TEST_F(ManagementToolUpdate, MissesAnInstallScriptThatTheUninstallScriptTakesAway) {
+    layScript("x64/uninstall.sh", kUninstallLines, "rm " + kInstall);
+    expectFailure(29, readyTrace() + passedTrace(kUninstallLines) + Lines{kNoInstall});
+    EXPECT_EQ(machine.commandsRun(), readyCommands() + Lines{kUninstall});
+    EXPECT_EQ(filesLeft(), (Lines{"temp_ocm_uninstall.txt", "tmp"}));
+    EXPECT_EQ(namesIn(kDirectory), (Lines{"message.txt", "uninstall.sh"}));
+}
+
+TEST_F(ManagementToolUpdate, RunsAnInstallScriptThatTheUninstallScriptBrings) {
+    fs::rename(kModuleFiles + "/x64/install.sh", "/tmp/install.sh");
+    chmod("/tmp/install.sh", 0755);
+    layScript("x64/uninstall.sh", kUninstallLines, "mv /tmp/install.sh " + kInstall);
+    EXPECT_TRUE(update());
+    EXPECT_EQ(TestHost::trace(), kUpdatedTrace);
+    EXPECT_EQ(machine.commandsRun(),
+              (readyCommands({"message.txt", "uninstall.sh"}) + Lines{kUninstall, kInstall + " -q"}));
+    EXPECT_EQ(contentOf(kInstallOutput), "the tool is installed\n");
+    EXPECT_EQ(takeError(), kEarlierError);
 }
 
 // ---- Making the scripts runnable ----
@@ -611,6 +646,9 @@ TEST_F(ManagementToolUpdate, GoesOnWithoutChmod) {
     machine.dropCommand("/bin/chmod");
     expectFailure(17, readyTrace() + Lines{"16 [" + chmodCommand() + "] return [32512]"} +
                           wrongOutputTrace(kUninstall, kUninstallOutput, {}));
+    EXPECT_EQ(machine.commandsRun(), unpackCommands());
+    EXPECT_EQ(contentOf(kUninstallOutput), "");
+    EXPECT_EQ(filesLeft(), (Lines{"temp_ocm_uninstall.txt", "tmp"}));
 }
 
 // ---- Scripts that fail ----
@@ -656,6 +694,7 @@ TEST_F(ManagementToolUpdate, FailsForAScriptThatASignalEnds) {
         expectFailure(17, readyTrace() + (isInstall ? passedTrace(kUninstallLines) : Lines{}) +
                               updaterTrace(3, {notRunTrace(command)}) +
                               Lines{notOpenedTrace(isInstall ? kInstallOutput : kUninstallOutput)});
+        EXPECT_EQ(machine.commandsRun(), readyCommands() + (isInstall ? Lines{kUninstall} : Lines{}));
         EXPECT_EQ(contentOf(kUninstallOutput), isInstall ? "the tool is removed\n" : "");
         EXPECT_EQ(contentOf(kInstallOutput), isInstall ? "" : "(absent)");
     }
@@ -665,6 +704,22 @@ TEST_F(ManagementToolUpdate, FailsForAnOutputThatCannotBeWritten) {
     machine.directory(kUninstallOutput);
     expectFailure(17, readyTrace() + wrongOutputTrace(kUninstall, kUninstallOutput, {}));
     EXPECT_EQ(machine.commandsRun(), readyCommands());
+    EXPECT_EQ(filesLeft(), (Lines{"temp_ocm_uninstall.txt", "tmp"}));
+}
+
+TEST_F(ManagementToolUpdate, FailsForAnInstallOutputThatCannotBeWrittenAndIsNotSkippedThen) {
+    // A link into a directory that is missing: there is no output yet, and none can be made.
+    fs::create_symlink("/tmp/absent/output", kInstallOutput);
+    expectFailure(17,
+                  readyTrace() + passedTrace(kUninstallLines) +
+                      failedTrace(kInstall + " -q", kInstallOutput, kMessages.trace() + Lines{"2 File Open Error"}));
+    EXPECT_EQ(machine.commandsRun(), readyCommands() + Lines{kUninstall});
+    EXPECT_EQ(contentOf(kUninstallOutput), "the tool is removed\n");
+    EXPECT_TRUE(fs::is_symlink(kInstallOutput));
+    EXPECT_FALSE(fs::exists("/tmp/absent"));
+    forget();
+    EXPECT_FALSE(update());
+    EXPECT_EQ(machine.commandsRun(), readyCommands() + Lines{kUninstall});
 }
 
 TEST_F(ManagementToolUpdate, FailsBehindTheUninstallScriptWithoutAMessageFile) {
@@ -672,7 +727,8 @@ TEST_F(ManagementToolUpdate, FailsBehindTheUninstallScriptWithoutAMessageFile) {
     expectFailure(17, readyTrace() + failedTrace(kUninstall, kUninstallOutput,
                                                  {"2 File open error " + kDirectory + "/message.txt"}));
     EXPECT_EQ(contentOf(kUninstallOutput), "the tool is removed\n");
-    EXPECT_FALSE(fs::exists(kInstallOutput));
+    EXPECT_EQ(machine.commandsRun(), readyCommands({"install.sh", "uninstall.sh"}) + Lines{kUninstall});
+    EXPECT_EQ(filesLeft(), (Lines{"temp_ocm_uninstall.txt", "tmp"}));
 }
 
 TEST_F(ManagementToolUpdate, FailsBehindTheUninstallScriptWithoutASuccessText) {
@@ -680,6 +736,9 @@ TEST_F(ManagementToolUpdate, FailsBehindTheUninstallScriptWithoutASuccessText) {
     layMessages(messages);
     expectFailure(17, readyTrace() + failedTrace(kUninstall, kUninstallOutput, messages.trace()));
     EXPECT_THAT(TestHost::sleeps(), testing::IsEmpty());
+    EXPECT_EQ(machine.commandsRun(), readyCommands() + Lines{kUninstall});
+    EXPECT_EQ(contentOf(kUninstallOutput), "the tool is removed\n");
+    EXPECT_EQ(filesLeft(), (Lines{"temp_ocm_uninstall.txt", "tmp"}));
 }
 
 TEST_F(ManagementToolUpdate, WaitsForTheEndOfEachScript) {
@@ -706,6 +765,21 @@ TEST_F(ManagementToolUpdate, FailsForAScriptThatNeverTellsOfItsEnd) {
                           failedTrace(kInstall + " -q", kInstallOutput,
                                       messages.trace() + looks + Lines{"2 No such end message."}));
     EXPECT_EQ(TestHost::sleeps(), (Sleeps{30000, 30000, 30000, 30000, 30000, 30000}));
+    EXPECT_EQ(machine.commandsRun(), updateCommands());
+    EXPECT_EQ(contentOf(kInstallOutput), "the tool is installed\n");
+    EXPECT_EQ(filesLeft(), (Lines{"temp_ocm_install.txt", "temp_ocm_uninstall.txt", "tmp"}));
+}
+
+TEST_F(ManagementToolUpdate, FailsForAnUninstallScriptThatNeverTellsOfItsEndAndDoesNotInstall) {
+    const MessageFile messages = {{"removed", "installed"}, {"ended"}};
+    layMessages(messages);
+    expectFailure(17, readyTrace() + failedTrace(kUninstall, kUninstallOutput,
+                                                 messages.trace() + 5 * endLookTrace(kUninstallLines, false) +
+                                                     Lines{"2 No such end message."}));
+    EXPECT_EQ(TestHost::sleeps(), (Sleeps{30000, 30000, 30000, 30000, 30000}));
+    EXPECT_EQ(machine.commandsRun(), readyCommands() + Lines{kUninstall});
+    EXPECT_EQ(contentOf(kUninstallOutput), "the tool is removed\n");
+    EXPECT_EQ(filesLeft(), (Lines{"temp_ocm_uninstall.txt", "tmp"}));
 }
 
 // ---- Modules of the build ----
@@ -726,6 +800,7 @@ TEST_F(ManagementToolModule, ReplacesTheToolByOneThatStandsAsASilentInstallLeave
     EXPECT_TRUE(updateFromArchive("tool"));
     EXPECT_EQ(TestHost::trace(), ocmTrace(toolReadyTrace("tool") + goodUpdaterTrace(kToolMessages, kToolRemoved, 1) +
                                           goodUpdaterTrace(kToolMessages, kToolInstalled, 1)));
+    EXPECT_EQ(machine.commandsRun(), moduleCommands({"install.sh", "message.txt", "uninstall.sh", "version"}));
     EXPECT_EQ(TestHost::sleeps(), (Sleeps{30000, 30000}));
     EXPECT_EQ(contentOf(kUninstallOutput), textOf(kToolRemoved));
     EXPECT_EQ(contentOf(kInstallOutput), textOf(kToolInstalled));
@@ -744,6 +819,8 @@ TEST_F(ManagementToolModule, HasScriptsFor32BitMachinesToo) {
         EXPECT_EQ(TestHost::trace(),
                   ocmTrace(toolReadyTrace(name, kScratch + "/x86") + goodUpdaterTrace(kToolMessages, kToolRemoved, 1) +
                            goodUpdaterTrace(kToolMessages, kToolInstalled, 1)));
+        EXPECT_EQ(machine.commandsRun(),
+                  moduleCommands({"install.sh", "message.txt", "uninstall.sh", "version"}, kScratch + "/x86"));
     }
 }
 
@@ -755,6 +832,7 @@ TEST_F(ManagementToolModule, LeavesTheOldToolWhereItsScriptsAreMissing) {
         EXPECT_FALSE(updateFromArchive(name));
         EXPECT_EQ(TestHost::trace(),
                   ocmTrace(unpackedTrace(kModules + "/" + name + "/module.zip") + Lines{kNoUninstall}));
+        EXPECT_EQ(machine.commandsRun(), (Lines{"/bin/uname -m"}));
         EXPECT_EQ(takeError(), 29U);
         EXPECT_EQ(contentOf(kTool), "the old tool\n");
         EXPECT_EQ(filesLeft(), (Lines{"tmp"}));
@@ -766,8 +844,11 @@ TEST_F(ManagementToolModule, TakesTheOldToolAwayWhereItsInstallScriptIsMissing) 
     EXPECT_FALSE(updateFromArchive("tool-without-install"));
     EXPECT_EQ(TestHost::trace(), ocmTrace(toolReadyTrace("tool-without-install") +
                                           goodUpdaterTrace(kToolMessages, kToolRemoved, 1) + Lines{kNoInstall}));
+    EXPECT_EQ(machine.commandsRun(), moduleCommands({"message.txt", "uninstall.sh", "version"}));
     EXPECT_EQ(takeError(), 29U);
     EXPECT_FALSE(fs::exists(kTool));
+    EXPECT_EQ(contentOf(kUninstallOutput), textOf(kToolRemoved));
+    EXPECT_EQ(filesLeft(), (Lines{"temp_ocm_uninstall.txt", "tmp"}));
 }
 
 TEST_F(ManagementToolModule, LeavesTheOldToolWhereItsUninstallScriptFails) {
@@ -778,6 +859,8 @@ TEST_F(ManagementToolModule, LeavesTheOldToolWhereItsUninstallScriptFails) {
                                           failedTrace(kUninstall, kUninstallOutput,
                                                       kToolMessages.trace() + endLookTrace(output, true) +
                                                           successLookTrace(output, false))));
+    EXPECT_EQ(machine.commandsRun(),
+              moduleCommands({"failing.uninstall", "install.sh", "message.txt", "uninstall.sh", "version"}));
     EXPECT_EQ(takeError(), 17U);
     EXPECT_EQ(contentOf(kTool), "the old tool\n");
     EXPECT_FALSE(fs::exists(kInstallOutput));
@@ -793,11 +876,14 @@ TEST_F(ManagementToolModule, LeavesTheMachineWithoutAToolWhereItsInstallScriptFa
         ocmTrace(toolReadyTrace("tool-failing-install") + goodUpdaterTrace(kToolMessages, kToolRemoved, 1) +
                  failedTrace(kInstall + " -q", kInstallOutput,
                              kToolMessages.trace() + endLookTrace(output, true) + successLookTrace(output, false))));
+    EXPECT_EQ(machine.commandsRun(),
+              moduleCommands({"failing.install", "install.sh", "message.txt", "uninstall.sh", "version"}));
     EXPECT_EQ(takeError(), 17U);
     EXPECT_FALSE(fs::exists(kTool));
     forget();
     EXPECT_TRUE(updateFromArchive("tool"));
     EXPECT_EQ(TestHost::trace(), kSkippedTrace);
+    EXPECT_THAT(machine.commandsRun(), testing::IsEmpty());
     EXPECT_FALSE(fs::exists(kTool));
 }
 

@@ -167,6 +167,18 @@ TEST_F(UpdateMarking, FailsForAFileThatCannotBeWritten) {
     EXPECT_EQ(takeError(), 17U);
 }
 
+TEST_F(UpdateMarking, TakesAWriteThatFailsForDoneWhereTheFileCanBeOpened) {
+    ASSERT_TRUE(fs::is_character_file("/dev/full"));
+    for (const Mark& mark : kMarks) {
+        fs::create_symlink("/dev/full", mark.path);
+        forget();
+        EXPECT_TRUE(write(mark.number));
+        EXPECT_EQ(TestHost::trace(), writeTrace());
+        EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlierError);
+        EXPECT_TRUE(fs::is_symlink(mark.path));
+    }
+}
+
 TEST_F(UpdateMarking, NeedsNoReadAccess) {
     machine.file(kNic.path, "");
     chmod(kNic.path.c_str(), 0200);
