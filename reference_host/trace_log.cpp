@@ -10,8 +10,8 @@
 
 #include "reference_host/formatted_text.h"
 #include "reference_host/install_path.h"
-#include "reference_host/trace_file.h"
 #include "reference_host/system_log.h"
+#include "reference_host/trace_file.h"
 #include "reference_host/trace_observer.h"
 
 namespace kvl::host {

@@ -10,11 +10,31 @@ using Json = nlohmann::ordered_json;
 
 constexpr int kIndent = 2;
 
+Json orNull(const std::string& text) {
+    return text.empty() ? Json() : Json(text);
+}
+
 Json errorDocument(const ProviderError& error) {
     const auto* failure = dynamic_cast<const AdapterFailure*>(&error);
-    return failure != nullptr
-               ? document(failure->failure())
-               : Json{{"number", nullptr}, {"name", nullptr}, {"meaning", error.what()}, {"next", nullptr}};
+    return document(failure != nullptr ? failure->failure() : Failure{"", "", error.what(), ""});
+}
+
+/// The document with the failures that the notes tell.
+std::string wholeDocument(const Answer& answer) {
+    Json failures = Json::array();
+    for (const Note& note : answer.notes) {
+        if (note.failure) {
+            Json entry = {{"about", orNull(note.about)}};
+            entry.update(document(*note.failure));
+            failures.push_back(entry);
+        }
+    }
+    if (failures.empty()) {
+        return answer.document;
+    }
+    Json whole = Json::parse(answer.document);
+    whole["failures"] = failures;
+    return jsonText(whole);
 }
 
 void finishOutput() {
@@ -36,6 +56,9 @@ void addAnswerFormat(CLI::App& command, AnswerFormat& format) {
         ->type_name("text|json");
 }
 
+Note::Note(const std::string& what, const Failure& why)
+    : sentence((what.empty() ? "" : what + ": ") + describe(why)), about(what), failure(why) {}
+
 int printAnswer(AnswerFormat format, const std::function<Answer()>& find) {
     Answer answer;
     try {
@@ -47,10 +70,10 @@ int printAnswer(AnswerFormat format, const std::function<Answer()>& find) {
         }
         throw;
     }
-    std::cout << (format == AnswerFormat::kJson ? answer.document : answer.text);
+    std::cout << (format == AnswerFormat::kJson ? wholeDocument(answer) : answer.text);
     finishOutput();
-    for (const std::string& note : answer.notes) {
-        std::cerr << "kvl: " << note << '\n';
+    for (const Note& note : answer.notes) {
+        std::cerr << "kvl: " << note.sentence << '\n';
     }
     return answer.exitCode;
 }
@@ -60,7 +83,10 @@ std::string jsonText(const Json& document) {
 }
 
 Json document(const Failure& failure) {
-    return {{"number", failure.number}, {"name", failure.name}, {"meaning", failure.meaning}, {"next", failure.next}};
+    return {{"number", orNull(failure.number)},
+            {"name", orNull(failure.name)},
+            {"meaning", failure.meaning},
+            {"next", orNull(failure.next)}};
 }
 
 }  // namespace kvl::provider

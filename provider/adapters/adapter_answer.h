@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,11 +18,25 @@ namespace kvl::provider {
 
 enum class AnswerFormat { kText, kJson };
 
+/// Something that could not be had.
+struct Note {
+    /// What the document tells by itself.
+    Note(const std::string& words) : sentence(words) {}
+
+    /// What the document tells among its failures.
+    /// @param what  what the failure is about, which begins the sentence; empty if the failure says it
+    Note(const std::string& what, const Failure& why);
+
+    std::string sentence;
+    std::string about;
+    std::optional<Failure> failure;
+};
+
 /// What an adapter command has found out.
 struct Answer {
     std::string text;
-    std::string document;            ///< the same for programs: JSON
-    std::vector<std::string> notes;  ///< sentences on what could not be had
+    std::string document;     ///< the same for programs: JSON
+    std::vector<Note> notes;  ///< what could not be had; the failures among them are added to the document
     ExitCode exitCode = kReportWritten;
 };
 

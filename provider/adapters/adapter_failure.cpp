@@ -16,8 +16,7 @@ struct Advice {
 
 constexpr std::array<Advice, 18> kAdvice = {{
     {kNoDumpDirectory, "see what 'hbacmd GetDumpDirectory ADDRESS' prints for the port's address"},
-    {kNoDumpFile,
-     "see whether 'hbacmd dump ADDRESS' writes a file into its dump directory, and whether --family is the port's"},
+    {kNoDumpFile, "see whether 'hbacmd dump ADDRESS' writes a file into its dump directory"},
     {kDumpNotCached, "see whether tmp/EMULEX/cache below the install directory can be written and the disk has room"},
     {kUnknownModuleKind, "ask for another kind"},
     {kNoVersion, "--refresh makes a new dump; an adapter without this module has no version of it"},
@@ -91,8 +90,13 @@ Failure formFailure(const std::string& meaning) {
                               "directory holds it");
 }
 
+Failure ownFailure(const char* name, const std::string& meaning, const std::string& next) {
+    return {"", name, meaning, next};
+}
+
 std::string describe(const Failure& failure) {
-    return failure.meaning + " (error " + failure.number + "): " + failure.next;
+    const std::string number = failure.number.empty() ? "" : " (error " + failure.number + ")";
+    return failure.meaning + number + (failure.next.empty() ? "" : ": " + failure.next);
 }
 
 }  // namespace kvl::provider

@@ -10,14 +10,17 @@ namespace kvl::provider {
 
 /// Why something about the adapters could not be had, for people and for programs.
 struct Failure {
-    std::string number;   ///< the library's last error, as it gives it to operator messages
-    std::string name;     ///< short, lower case with "-" between words
+    std::string number;   ///< the library's last error, as it gives it to operator messages; empty if it has no part
+    std::string name;     ///< short, lower case with "-" between words; empty if there is none
     std::string meaning;  ///< without a full stop
-    std::string next;     ///< what to do next
+    std::string next;     ///< what to do next; empty if the meaning tells it
 };
 
 /// The name of the failure that a new dump of a port can't mend: the port has no version of this kind.
 constexpr const char* kNoVersionName = "no-version";
+
+/// The name of the failure of a tool that is asked for a dump, and writes none that the library finds.
+constexpr const char* kNoDumpName = "no-dump-file";
 
 /// The failure that the library's last error tells.
 Failure lastFailure();
@@ -31,6 +34,9 @@ Failure toolFailure(const std::string& meaning);
 
 /// A failure that comes from the form of what the tool has printed.
 Failure formFailure(const std::string& meaning);
+
+/// A failure that this program has found without the library.
+Failure ownFailure(const char* name, const std::string& meaning, const std::string& next);
 
 /// Meaning, number and advice in one sentence.
 std::string describe(const Failure& failure);

@@ -29,7 +29,7 @@ Answer describe(const InfoOptions& options) {
     needResultDirectory();  // for the interface of a port
     const AdapterInventory inventory(session);
     inventory.refreshList();
-    std::string missing;
+    std::optional<Failure> missing;
     TextBlock block("Adapter " + options.device);
     Json information = Json::array();
     for (const auto& [name, value] : inventory.describePort(options.device, missing)) {
@@ -39,8 +39,8 @@ Answer describe(const InfoOptions& options) {
     Answer answer;
     answer.text = block.text();
     answer.document = jsonText({{"device", options.device}, {"information", information}});
-    if (!missing.empty()) {
-        answer.notes.push_back(missing);
+    if (missing) {
+        answer.notes.emplace_back("", *missing);
         answer.exitCode = kPartlyCollected;
     }
     return answer;

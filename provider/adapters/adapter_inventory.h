@@ -51,8 +51,8 @@ public:
     std::string familyOf(const std::string& device) const;
 
     /// What describes a port to an operator, as far as it can be had.
-    /// @param missing  receives a sentence on what can't be had; empty if nothing
-    NamesAndValues describePort(const std::string& device, std::string& missing) const;
+    /// @param missing  receives what can't be had; nothing if all can
+    NamesAndValues describePort(const std::string& device, std::optional<Failure>& missing) const;
 
     /// The version of a port's module: from its dump in the cache, or where there is none, from a new one.
     /// @param refresh  makes a new dump in any case
@@ -66,8 +66,8 @@ public:
 
 private:
     Failure commandFailure() const;
+    std::vector<Record> readList() const;
     void checkAddress(const std::string& device, const std::string& family) const;
-    std::string deviceOf(const Record& record, std::map<int, int>& functionsOfBuses) const;
 
     AdapterSession& session_;
 };

@@ -4,6 +4,7 @@
 
 #include <iostream>
 
+#include "provider/machine/interrupt_observer.h"
 #include "provider/machine/provider_environment.h"
 #include "provider/machine/sleep_observer.h"
 #include "reference_host/install_path.h"
@@ -32,20 +33,28 @@ std::optional<CollectionLock> enterAndTakeTurn(const RunOptions& options) {
 AdapterSession::AdapterSession(const RunOptions& options)
     : lock_(enterAndTakeTurn(options)),
       isQuiet_(options.quiet),
-      trace_(options.verbose ? Mode::kTrace : Mode::kNothing, std::cerr, terminalWidth()) {
-    if (displayMode(options) == Mode::kProgress) {
-        display_ = std::make_unique<WaitDisplay>(std::cerr, terminalWidth());
+      isTraced_(options.verbose),
+      width_(terminalWidth()),
+      mode_(displayMode(options)),
+      trace_(isTraced_ ? Mode::kTrace : Mode::kNothing, std::cerr, width_) {
+    if (mode_ == Mode::kProgress) {
+        display_ = std::make_unique<WaitDisplay>(std::cerr, width_);
     }
     host::setTraceObserver(
         [this](const std::string&, TRACE_DBG_LEVEL level, const std::string& text) { takeTrace(level, text); });
     host::setWaitObserver([this](unsigned long milliseconds) { tellPause(milliseconds); });
     setSleepObserver([this](unsigned) { tellSecond(); });
+    setInterruptObserver([this](int signal) { takeInterrupt(signal); });
 }
 
 AdapterSession::~AdapterSession() {
+    setInterruptObserver({});
     setSleepObserver({});
     host::setWaitObserver({});
     host::setTraceObserver({});
+    if (isTraced_) {
+        output_.show();
+    }
 }
 
 void AdapterSession::shareLock() {
@@ -64,57 +73,57 @@ void AdapterSession::note(const std::string& line) {
 }
 
 void AdapterSession::takeTrace(TRACE_DBG_LEVEL level, const std::string& text) {
+    if (isTraced_) {
+        output_.show();
+    }
     trace_.showTrace(level, text);
     if (procedure_ != nullptr) {
         procedure_->takeTrace(level, text);
-        return;
-    }
-    switch (watch_.take(level, text)) {
-        case AdapterWatch::Event::kCommandBegins:
-            output_.forget();
-            waited_ = 0;
-            if (display_) {
-                display_->begin(subject_ + watch_.command());
-            }
-            break;
-        case AdapterWatch::Event::kCommandEnds:
-            takeEnd();
-            break;
-        case AdapterWatch::Event::kNone:
-            break;
+    } else {
+        followCommand(level, text);
     }
 }
 
-void AdapterSession::takeEnd() {
+void AdapterSession::followCommand(TRACE_DBG_LEVEL level, const std::string& text) {
+    const AdapterWatch::Event event = watch_.take(level, text);
+    if (event == AdapterWatch::Event::kCommandBegins) {
+        output_.forget();
+        waited_ = 0;
+    }
+    if (!display_ || event == AdapterWatch::Event::kNone) {
+        return;
+    }
+    if (event == AdapterWatch::Event::kCommandBegins) {
+        display_->begin(subject_ + watch_.shownCommand());
+    } else {
+        display_->clear();
+    }
+}
+
+/// The interrupt came while a command ran. The operator meant the program.
+void AdapterSession::takeInterrupt(int signal) {
     if (display_) {
         display_->clear();
     }
-    // While a command runs, the terminal's interrupt ends the command alone. The operator meant the program.
-    if (watch_.signal() == SIGINT || watch_.signal() == SIGQUIT) {
-        signal(watch_.signal(), SIG_DFL);
-        raise(watch_.signal());
-    }
-}
-
-void AdapterSession::show(const std::string& text) {
-    if (display_) {
-        display_->tell(subject_ + text);
-    }
+    ::signal(signal, SIG_DFL);
+    raise(signal);
 }
 
 void AdapterSession::tellSecond() {
     ++waited_;
-    show("no output yet from " + watch_.command() + ": waiting " + std::to_string(waited_) + " of " +
-         std::to_string(kLongestWait) + " s");
+    if (display_) {
+        display_->tell(std::to_string(waited_) + " of " + std::to_string(kLongestWait) + " s  " + subject_ +
+                       "no output yet from " + watch_.shownCommand());
+    }
 }
 
 void AdapterSession::tellPause(unsigned long milliseconds) {
     if (procedure_ != nullptr) {
         procedure_->takePause(milliseconds);
-        return;
+    } else if (display_) {
+        display_->beginCountdown(subject_ + "no dump of this port yet, trying again",
+                                 (milliseconds + kMillisecondsPerSecond - 1) / kMillisecondsPerSecond);
     }
-    show("no dump of this port yet: trying again in " +
-         std::to_string((milliseconds + kMillisecondsPerSecond - 1) / kMillisecondsPerSecond) + " s");
 }
 
 }  // namespace kvl::provider

@@ -23,8 +23,8 @@ public:
 };
 
 /// A turn at the machine's adapters, for as long as the object lives: the process has what the library's commands need,
-/// nobody else collects, the operator sees what is waited for, and what the tool prints stays out of the answer. One at
-/// a time.
+/// nobody else collects, the operator sees what is waited for, what the commands print reaches nobody but who asks for
+/// the trace, and an interrupt ends the program also while a command runs. One at a time.
 class AdapterSession {
 public:
     /// @throws ProviderError if the turn isn't had in time
@@ -45,8 +45,11 @@ public:
     /// Writes a line about the run to standard error, below whatever is shown there, unless the operator wants quiet.
     void note(const std::string& line);
 
-    /// What the tool said last on its standard output; empty if it said nothing.
+    /// What the last command said last, on either stream; empty if it said nothing.
     std::string toolsWords() const { return output_.lastLine(); }
+
+    /// Forgets what was said so far.
+    void forgetWords() { output_.forget(); }
 
     /// Lets a procedure be watched as long as it runs.
     /// @param procedure  null when it has ended
@@ -64,16 +67,19 @@ public:
 
 private:
     void takeTrace(TRACE_DBG_LEVEL level, const std::string& text);
-    void takeEnd();
-    void show(const std::string& text);
+    void followCommand(TRACE_DBG_LEVEL level, const std::string& text);
+    void takeInterrupt(int signal);
     void tellSecond();
     void tellPause(unsigned long milliseconds);
 
     std::optional<CollectionLock> lock_;  // none where nothing of the machine is changed
     const bool isQuiet_;
+    const bool isTraced_;
+    const std::size_t width_;
+    const CollectionDisplay::Mode mode_;  // of the operator's own standard error, as the width is
+    QuietOutput output_;
     CollectionDisplay trace_;
     std::unique_ptr<WaitDisplay> display_;  // only on a terminal
-    QuietOutput output_;
     AdapterWatch watch_;
     ProcedureWatch* procedure_ = nullptr;
     std::string subject_;

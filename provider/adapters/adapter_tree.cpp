@@ -1,5 +1,6 @@
 #include "provider/adapters/adapter_tree.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -38,6 +39,21 @@ void checkOwnership(const std::string& directory) {
     }
 }
 
+/// @return true if the user lacks the permission to make directories below this one, or to make it
+bool isDenied(const std::string& directory) {
+    struct stat status {};
+    for (std::string path = directory; !path.empty(); path.erase(path.rfind('/'))) {
+        if (lstat(path.c_str(), &status) == 0) {
+            return S_ISDIR(status.st_mode) && faccessat(AT_FDCWD, path.c_str(), W_OK | X_OK, AT_EACCESS) != 0 &&
+                   errno == EACCES;
+        }
+        if (errno == EACCES) {
+            return true;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 std::string adapterTree() {
@@ -46,6 +62,10 @@ std::string adapterTree() {
 
 std::string adapterListFile() {
     return adapterTree() + "/temp/Listhbas.txt";
+}
+
+std::string dumpDirectoryFile() {
+    return adapterTree() + "/temp/DumpDirectory.txt";
 }
 
 bool isCached(const std::string& device, const std::string& family) {
@@ -61,7 +81,11 @@ void needAdapterTree() {
     makeParents(tree);
     CEmulexCommon::SetLastError(0);
     if (!CEmulexCommon::CreateLocalDirectory()) {
-        throw AdapterFailure(lastFailure());
+        Failure failure = lastFailure();
+        if (isDenied(tree + "/cache") || isDenied(tree + "/temp")) {
+            failure.next = "run kvl as root";
+        }
+        throw AdapterFailure(failure);
     }
     for (const char* directory : {"", "/cache", "/cache/FC", "/cache/CNA", "/temp"}) {
         checkOwnership(tree + directory);

@@ -11,6 +11,9 @@ std::string adapterTree();
 /// The list of the adapters there, which this program has the tool write.
 std::string adapterListFile();
 
+/// What the tool has told last of the directory in which it keeps its dumps.
+std::string dumpDirectoryFile();
+
 /// @return true if the tree holds a dump of the port, so that its versions are had without the tool
 bool isCached(const std::string& device, const std::string& family);
 

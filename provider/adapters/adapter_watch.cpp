@@ -32,7 +32,6 @@ AdapterWatch::Event AdapterWatch::take(TRACE_DBG_LEVEL level, const std::string&
         const std::string line = text.substr(kLineBegins.size(), text.size() - kLineBegins.size() - kLineEnds.size());
         command_ = line.substr(0, line.find(kRedirection));
         outcome_.clear();
-        signal_ = 0;
         return Event::kCommandBegins;
     }
     if (level == TRACE_DBG_ERROR && beginsWith(text, kFailureBegins)) {
@@ -40,12 +39,14 @@ AdapterWatch::Event AdapterWatch::take(TRACE_DBG_LEVEL level, const std::string&
         return Event::kCommandEnds;
     }
     if (level == TRACE_DBG_BOUNDARY && beginsWith(text, kLeaves)) {
-        const int result = std::atoi(text.c_str() + kLeaves.size());
-        outcome_ = outcomeOf(result);
-        signal_ = result > 0 ? result & kSignalBits : 0;
+        outcome_ = outcomeOf(std::atoi(text.c_str() + kLeaves.size()));
         return Event::kCommandEnds;
     }
     return Event::kNone;
+}
+
+std::string AdapterWatch::shownCommand() const {
+    return command_.substr(command_.rfind('/', command_.find(' ')) + 1);
 }
 
 }  // namespace kvl::provider

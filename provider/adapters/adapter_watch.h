@@ -19,16 +19,15 @@ public:
     /// The command that runs, or that ran last, without its redirection.
     const std::string& command() const { return command_; }
 
+    /// The same for the operator's eyes, with the program's name alone instead of its path.
+    std::string shownCommand() const;
+
     /// What became of the last command, in words; empty if it did its work, or still runs.
     const std::string& outcome() const { return outcome_; }
-
-    /// The signal that ended the last command, as far as the library tells it; 0 if none did.
-    int signal() const { return signal_; }
 
 private:
     std::string command_;
     std::string outcome_;
-    int signal_ = 0;
 };
 
 }  // namespace kvl::provider

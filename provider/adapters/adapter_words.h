@@ -39,6 +39,7 @@ const ModuleKind& moduleKind(EMULEX_MODULE_KIND value);
 
 /// Adds DEVICE, a port's PCI location: bus:device.function in hexadecimal, and behind a "-" a tail of characters that
 /// a shell takes as they are.
+/// @param device  receives the location in one spelling, such as 0b:00.1, without the tail: one port has one cache
 void addDevice(CLI::App& command, std::string& device);
 
 /// Adds a word that names a version, such as 4.6.281.21 or 2.72a2; whether it has the form of one isn't looked at.
@@ -53,7 +54,10 @@ CLI::Option* addFamily(CLI::App& command, std::string& family, const std::string
 
 /// Adds --kind, which must be given.
 /// @param kind  receives the row
-void addKind(CLI::App& command, const ModuleKind*& kind, const std::string& description);
+void addKind(CLI::App& command, const ModuleKind*& kind);
+
+/// The same, for the kinds whose versions can be compared.
+void addComparableKind(CLI::App& command, const ModuleKind*& kind);
 
 }  // namespace kvl::provider
 

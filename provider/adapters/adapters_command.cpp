@@ -89,6 +89,34 @@ std::string tableOf(const std::vector<ListedPort>& ports, bool versions) {
     return table.text();
 }
 
+/// What could not be had of a port.
+struct PortFailure {
+    std::string kind;  ///< of the module; empty if it is about the port
+    Failure failure;
+};
+
+std::vector<PortFailure> failuresOf(const ListedPort& port, bool versions) {
+    std::vector<PortFailure> failures;
+    if (!port.adapter.isWhole) {
+        failures.push_back({"", ownFailure("incomplete-list",
+                                           "hbacmd's list lacks a line of this or an earlier port, so values may stand "
+                                           "at the wrong port",
+                                           "run 'kvl adapters' again, since the list may have been cut")});
+    }
+    if (versions && port.adapter.device.empty()) {
+        failures.push_back({"", ownFailure("no-location",
+                                           "hbacmd's list tells no PCI location of it, by which its versions are "
+                                           "asked for",
+                                           "see what 'hbacmd listhbas' prints")});
+    }
+    for (std::size_t kind = 0; kind < port.versions.size(); ++kind) {
+        if (port.versions[kind].failure) {
+            failures.push_back({kModuleKinds[kind].name, *port.versions[kind].failure});
+        }
+    }
+    return failures;
+}
+
 Json documentOf(const ListedPort& port, bool versions) {
     const Adapter& adapter = port.adapter;
     const auto orNull = [](const std::string& text) { return text.empty() ? Json() : Json(text); };
@@ -99,17 +127,15 @@ Json documentOf(const ListedPort& port, bool versions) {
     if (!versions) {
         return entry;
     }
-    Json& told = entry["versions"] = Json::object();
-    Json& failures = entry["failures"] = Json::array();
+    entry["versions"] = Json::object();
     std::size_t index = 0;
     for (const ModuleKind& kind : kModuleKinds) {
-        told[kind.name] = orNull(versionAt(port, index));
-        if (index < port.versions.size() && port.versions[index].failure) {
-            Json failure = document(*port.versions[index].failure);
-            failure["kind"] = kind.name;
-            failures.push_back(failure);
-        }
-        ++index;
+        entry["versions"][kind.name] = orNull(versionAt(port, index++));
+    }
+    entry["failures"] = Json::array();
+    for (const PortFailure& failure : failuresOf(port, versions)) {
+        entry["failures"].push_back(document(failure.failure));
+        entry["failures"].back()["kind"] = orNull(failure.kind);
     }
     return entry;
 }
@@ -122,22 +148,11 @@ Json documentOf(const std::vector<ListedPort>& ports, bool versions) {
     return {{"adapters", list}};
 }
 
-/// What could not be had of a port.
-void addNotes(const ListedPort& port, bool versions, std::vector<std::string>& notes) {
+void addNotes(const ListedPort& port, bool versions, std::vector<Note>& notes) {
     const Adapter& adapter = port.adapter;
     const std::string name = adapter.device.empty() ? adapter.address : adapter.device;
-    if (!adapter.isWhole) {
-        notes.push_back(name +
-                        ": hbacmd's list lacks a line of this or an earlier port, so values may stand at the wrong "
-                        "port; the list may have been cut: run 'kvl adapters' again");
-    }
-    if (versions && adapter.device.empty()) {
-        notes.push_back(name + ": its versions can't be asked for: hbacmd's list tells no PCI location of it");
-    }
-    for (std::size_t kind = 0; kind < port.versions.size(); ++kind) {
-        if (port.versions[kind].failure) {
-            notes.push_back(name + ": " + kModuleKinds[kind].name + ": " + describe(*port.versions[kind].failure));
-        }
+    for (const PortFailure& failure : failuresOf(port, versions)) {
+        notes.emplace_back(name + (failure.kind.empty() ? "" : ": " + failure.kind), failure.failure);
     }
 }
 
@@ -161,7 +176,7 @@ void addAdaptersCommand(CLI::App& program, Request& request) {
     const auto options = std::make_shared<AdaptersOptions>();
     addFamily(*command, options->family, "List the ports of this family alone");
     command->add_flag("--versions", options->versions, "Tell the versions that run on each port");
-    command->add_flag("--refresh", options->refresh, "Have new dumps made for the versions, not the cached ones read");
+    command->add_flag("--refresh", options->refresh, "(with --versions) Have new dumps made, not the cached ones read");
     addAnswerFormat(*command, options->format);
     addRunOptions(*command, options->run);
     command->callback([options, &request] {

@@ -31,7 +31,9 @@ struct Outcome {
 };
 
 /// The library gives 0 for a wrong form too, and tells that by its last error alone.
-Outcome judge(int result) {
+Outcome judge(const std::string& oldVersion, const std::string& newVersion, const CompareOptions& options) {
+    CEmulexCommon::SetLastError(0);
+    const int result = CEmulexCommon::CheckVendorVersion(oldVersion, newVersion, options.kind->value, options.family);
     if (result != 0) {
         return result > 0 ? Outcome{"newer", kNewer} : Outcome{"older", kOlder};
     }
@@ -39,10 +41,21 @@ Outcome judge(int result) {
                                               : Outcome{"not a version", kNotAVersion};
 }
 
+/// A version that can't be compared with itself is none.
+void noteWrongForm(const std::string& name, const std::string& version, const CompareOptions& options, Answer& answer) {
+    if (judge(version, version, options).exitCode != kNotAVersion) {
+        return;
+    }
+    Failure failure = failureOf(kBadVersion);
+    failure.meaning = "'" + version + "' is not a version of this kind";
+    const bool hasTwoFields = options.kind->value == EMULEX_MODULE_FIRMWARE && options.family == kFc;
+    failure.next = hasTwoFields ? "firmware of the family fc has two fields, as in 2.72a2"
+                                : "give four numbers, as in 4.6.281.21; letters may follow the last";
+    answer.notes.emplace_back(name, failure);
+}
+
 Answer compare(const CompareOptions& options) {
-    CEmulexCommon::SetLastError(0);
-    const Outcome outcome = judge(
-        CEmulexCommon::CheckVendorVersion(options.oldVersion, options.newVersion, options.kind->value, options.family));
+    const Outcome outcome = judge(options.oldVersion, options.newVersion, options);
     Answer answer;
     answer.text = std::string(outcome.text) + "\n";
     answer.document = jsonText({{"old", options.oldVersion},
@@ -51,13 +64,9 @@ Answer compare(const CompareOptions& options) {
                                 {"family", options.family},
                                 {"result", outcome.text}});
     answer.exitCode = outcome.exitCode;
+    noteWrongForm("OLD", options.oldVersion, options, answer);
+    noteWrongForm("NEW", options.newVersion, options, answer);
     return answer;
-}
-
-void checkComparable(const CompareOptions& options) {
-    if (options.kind->value == EMULEX_MODULE_BOOT_BIOS) {
-        throw ProviderError(kWrongUsage, "versions of boot code are not compared: --kind firmware, driver or tool");
-    }
 }
 
 }  // namespace
@@ -68,11 +77,10 @@ void addCompareCommand(CLI::App& program, Request& request) {
     const auto options = std::make_shared<CompareOptions>();
     addVersion(*command, "OLD", options->oldVersion, "The version to compare with");
     addVersion(*command, "NEW", options->newVersion, "The version that is older, equal or newer");
-    addKind(*command, options->kind, "The module");
+    addComparableKind(*command, options->kind);
     addFamily(*command, options->family, "The adapter's family")->required();
     addAnswerFormat(*command, options->format);
     command->callback([options, &request] {
-        checkComparable(*options);
         request.run = [options] { return printAnswer(options->format, [options] { return compare(*options); }); };
     });
 }

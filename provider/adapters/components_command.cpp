@@ -3,6 +3,7 @@
 
 #include "provider/adapters/adapter_answer.h"
 #include "provider/adapters/adapter_commands.h"
+#include "provider/adapters/adapter_tool.h"
 #include "provider/adapters/adapter_words.h"
 
 namespace kvl::provider {
@@ -20,7 +21,6 @@ struct ComponentsOptions {
 };
 
 Answer tell() {
-    CEmulexCommon::SetLastError(0);
     Answer answer;
     Json names = Json::array();
     for (const CNecessaryComponentInfo& component : CEmulexCommon::NecessaryComponentCheck(kCna)) {
@@ -28,10 +28,12 @@ Answer tell() {
         names.push_back(component.name);
     }
     answer.document = jsonText({{"missing", names}});
-    if (names.empty()) {
+    try {
+        needTool();
         answer.text = "nothing is missing\n";
-    } else {
-        answer.notes.push_back(describe(lastFailure()));
+    } catch (const AdapterFailure& failure) {
+        answer.text += names.empty() ? "the adapter tool can't be run\n" : "";
+        answer.notes.emplace_back("", failure.failure());
         answer.exitCode = kComponentMissing;
     }
     return answer;

@@ -34,8 +34,9 @@ constexpr std::array<Verdict, 3> kVerdicts = {{
     {0, "same", " has this version", kReportWritten},
     {1, "not-confirmed", " has another version, or isn't installed, or tells no version", kDriverNotConfirmed},
     {256, "awaits-boot",
-     " has another version, and the default boot entry has not the running kernel's RAM disk: start the machine anew "
-     "and check again",
+     " has another version, and the default boot entry has another RAM disk than that of the running kernel, or names "
+     "it with a directory in front: see which kernel it names, and if it is another, start the machine anew and check "
+     "again",
      kDriverAwaitsBoot},
 }};
 

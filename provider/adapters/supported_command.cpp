@@ -1,6 +1,11 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <memory>
+#include <optional>
 
 #include "host/CFileUtility.h"
 #include "host/HostFunctions.h"
@@ -51,14 +56,56 @@ std::string pathOf(const Catalogue& catalogue) {
     return CFileUtility::GetInstallPath(0) + "/" + catalogue.file;
 }
 
-/// The library reads as many devices as the catalogue says, whether they are there or not.
-void checkSize(const Catalogue& catalogue) {
-    const int size = GetPrivateProfileIntA("SuportDevice", "SuportDeviceNum", 0, pathOf(catalogue).c_str());
-    if (size > kMostDevices) {
-        throw ProviderError(kNothingCollected, pathOf(catalogue) + " says that it lists " + std::to_string(size) +
-                                                   " devices, and more than " + std::to_string(kMostDevices) +
-                                                   " are not read: correct its SuportDeviceNum");
+/// Why a file can't be read; nothing if it can.
+std::optional<Failure> findFileFault(const std::string& path) {
+    std::error_code unknown;
+    if (!CFileUtility::IsFileExist(path)) {
+        return ownFailure("no-catalogue", "there is no catalogue " + path, "the product's package brings it");
     }
+    if (!std::filesystem::is_regular_file(path, unknown)) {
+        return ownFailure("unreadable-catalogue", "the catalogue " + path + " is no regular file",
+                          "remove it; the product's package brings it");
+    }
+    if (!std::ifstream(path).is_open()) {
+        return ownFailure("unreadable-catalogue",
+                          "the catalogue " + path + " can't be read (" + std::strerror(errno) + ")",
+                          "see its mode, or run kvl as root");
+    }
+    return std::nullopt;
+}
+
+/// The library reads as many devices as the catalogue says, whether they are there or not.
+std::optional<Failure> findSizeFault(const std::string& path) {
+    constexpr int kNone = -1;
+    const int size = GetPrivateProfileIntA("SuportDevice", "SuportDeviceNum", kNone, path.c_str());
+    if (size < 0) {
+        return ownFailure("bad-catalogue", path + " does not say how many devices it lists",
+                          "correct its SuportDeviceNum");
+    }
+    if (size > kMostDevices) {
+        return ownFailure("bad-catalogue",
+                          path + " says that it lists " + std::to_string(size) + " devices, and more than " +
+                              std::to_string(kMostDevices) + " are not read",
+                          "correct its SuportDeviceNum");
+    }
+    return std::nullopt;
+}
+
+/// Why a catalogue can't be listed; nothing if it can.
+std::optional<Failure> findFault(const Catalogue& catalogue) {
+    const std::string path = pathOf(catalogue);
+    const std::optional<Failure> fault = findFileFault(path);
+    return fault ? fault : findSizeFault(path);
+}
+
+/// One failure for all catalogues, of which none can be listed.
+Failure joined(const std::vector<Note>& notes) {
+    Failure all = *notes.front().failure;
+    for (auto note = notes.begin() + 1; note != notes.end(); ++note) {
+        all.meaning += "; " + note->failure->meaning;
+        all.next += note->failure->next != all.next ? "; " + note->failure->next : "";
+    }
+    return all;
 }
 
 Texts withoutRepetitions(Texts texts) {
@@ -110,18 +157,17 @@ Answer list(const SupportedOptions& options) {
         if (!options.family.empty() && options.family != catalogue.family) {
             continue;
         }
-        if (!CFileUtility::IsFileExist(pathOf(catalogue))) {
-            answer.notes.push_back("there is no catalogue " + pathOf(catalogue) + ": the product's package brings it");
-            answer.exitCode = kPartlyCollected;
-            continue;
+        if (const std::optional<Failure> fault = findFault(catalogue)) {
+            answer.notes.emplace_back("", *fault);
+        } else {
+            add(catalogue, answer, documents);
         }
-        checkSize(catalogue);
-        add(catalogue, answer, documents);
     }
-    if (answer.text.empty()) {
-        throw ProviderError(kNothingCollected, answer.notes.front());
+    if (documents.empty()) {
+        throw AdapterFailure(joined(answer.notes));
     }
     answer.document = jsonText({{"catalogues", documents}});
+    answer.exitCode = answer.notes.empty() ? kReportWritten : kPartlyCollected;
     return answer;
 }
 

@@ -43,13 +43,21 @@ std::string prepare(const VersionOptions& options, const AdapterInventory& inven
     return options.family.empty() ? inventory.familyOf(options.device) : options.family;
 }
 
+/// The dumps of the two families name their ports in different words.
+Failure withFamilyAdvice(Failure failure, const VersionOptions& options) {
+    if (failure.name == kNoDumpName && !options.family.empty()) {
+        failure.next += ", and whether --family is the port's";
+    }
+    return failure;
+}
+
 Answer tell(const VersionOptions& options) {
     AdapterSession session(options.run);
     const AdapterInventory inventory(session);
     const std::string family = prepare(options, inventory);
     const VersionAnswer found = inventory.version(options.device, *options.kind, options.refresh, family);
     if (found.failure) {
-        throw AdapterFailure(*found.failure);
+        throw AdapterFailure(withFamilyAdvice(*found.failure, options));
     }
     Answer answer;
     answer.text = printable(found.version) + "\n";
@@ -65,7 +73,7 @@ void addVersionCommand(CLI::App& program, Request& request) {
     command->footer(std::string(kExamples) + kVersionExitCodesHelp);
     const auto options = std::make_shared<VersionOptions>();
     addDevice(*command, options->device);
-    addKind(*command, options->kind, "The module");
+    addKind(*command, options->kind);
     addFamily(*command, options->family, "The adapter's family (default: by the port's type)");
     command->add_flag("--refresh", options->refresh, "Have a new dump made, and not the cached one read");
     addAnswerFormat(*command, options->format);

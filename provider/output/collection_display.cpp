@@ -54,8 +54,8 @@ void CollectionDisplay::showCommand(const std::string& command) {
 void CollectionDisplay::showWait(const std::string& command) {
     ++waited_;
     if (mode_ == Mode::kProgress) {
-        line_.show("no output yet from " + command + ": waiting " + std::to_string(waited_) + " of " +
-                   std::to_string(kLongestWait) + " s");
+        line_.show(std::to_string(waited_) + " of " + std::to_string(kLongestWait) + " s  no output yet from " +
+                   command);
     }
 }
 

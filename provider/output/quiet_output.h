@@ -1,14 +1,37 @@
 #ifndef KVL_PROVIDER_OUTPUT_QUIET_OUTPUT_H
 #define KVL_PROVIDER_OUTPUT_QUIET_OUTPUT_H
 
+#include <sys/types.h>
+
 #include <string>
 
+#include "provider/output/descriptor_buffer.h"
 #include "reference_host/file_descriptor.h"
 
 namespace kvl::provider {
 
-/// Keeps what the commands of the library print out of this program's own output, for as long as the object lives. The
-/// library hands its standard output on to some of them.
+/// Has one of the process's descriptors stand for a file, for as long as the object lives.
+class DivertedDescriptor {
+public:
+    DivertedDescriptor(int number, const host::FileDescriptor& file);
+
+    /// The descriptor stands for what it stood for, or is closed again if it was.
+    ~DivertedDescriptor();
+
+    DivertedDescriptor(const DivertedDescriptor&) = delete;
+    DivertedDescriptor& operator=(const DivertedDescriptor&) = delete;
+
+    /// What it stood for; -1 if it was closed.
+    int kept() const { return kept_.number(); }
+
+private:
+    const int number_;
+    const host::FileDescriptor kept_;
+};
+
+/// Keeps what the commands of the library print on either stream away from this program's own output and from its
+/// operator, for as long as the object lives. The library hands its streams on to its commands. What goes to std::cerr
+/// arrives as before.
 class QuietOutput {
 public:
     QuietOutput();
@@ -20,6 +43,9 @@ public:
     /// Writes to this program's own output all the same.
     void write(const std::string& text) const;
 
+    /// Shows the operator what was printed and not yet shown or forgotten.
+    void show();
+
     /// Forgets what was printed so far.
     void forget();
 
@@ -27,7 +53,12 @@ public:
     std::string lastLine() const;
 
 private:
-    host::FileDescriptor kept_;  // the standard output
+    const host::FileDescriptor sink_;
+    const DivertedDescriptor output_;
+    const DivertedDescriptor errors_;
+    DescriptorBuffer buffer_;
+    std::streambuf* const before_;  // of std::cerr
+    off_t shown_ = 0;
 };
 
 }  // namespace kvl::provider

@@ -94,10 +94,11 @@ void WaitDisplay::count() {
 }
 
 std::string WaitDisplay::counted() const {
+    // In front, since a line of the terminal can end before the text does.
     if (limit_ == 0) {
-        return what_ + ": " + std::to_string(seconds_) + " s";
+        return std::to_string(seconds_) + " s  " + what_;
     }
-    return what_ + ": " + std::to_string(limit_ - std::min(limit_, seconds_)) + " s left";
+    return std::to_string(limit_ - std::min(limit_, seconds_)) + " s left  " + what_;
 }
 
 void WaitDisplay::show(const std::string& text) {

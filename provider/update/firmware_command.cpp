@@ -102,6 +102,8 @@ bool FirmwareUpdate::isForFunctionZero() const {
 }
 
 ExitCode FirmwareUpdate::skip(const std::string& why) const {
+    const std::string& family = plan_.family.empty() ? options_.request.family : plan_.family;
+    UpdateRecord(family.empty() ? kCna : family, "the firmware of " + options_.request.device).skipped(why);
     tellError(session_, "skipped: " + why);
     return kSkipped;
 }
@@ -111,7 +113,11 @@ RunningVersions FirmwareUpdate::readVersions() const {
     RunningVersions versions;
     versions.firmware = inventory_.version(plan_.device, moduleKind(EMULEX_MODULE_FIRMWARE), true, plan_.family);
     if (!plan_.bootCode.empty()) {
-        versions.bootCode = inventory_.version(plan_.device, moduleKind(EMULEX_MODULE_BOOT_BIOS), false, plan_.family);
+        // From the same dump; without a new one the cache still holds an old one.
+        versions.bootCode =
+            versions.firmware.failure
+                ? versions.firmware
+                : inventory_.version(plan_.device, moduleKind(EMULEX_MODULE_BOOT_BIOS), false, plan_.family);
     }
     return versions;
 }
@@ -200,7 +206,11 @@ UpdateEnding FirmwareUpdate::judge(const Procedure& procedure, const RunningVers
         return {kChanged, "the adapter is updated: " + versions + "; only " + plan_.scratch + " is left over"};
     }
     const std::string again = "; look at the adapter, and run the update again";
-    if (!plan_.bootCode.empty() && procedure.hasBegun(steps - 2)) {
+    if (!after.areKnown()) {
+        return {kChanged, "the tool was at work, and what the adapter runs now is not known: " + versions + again};
+    }
+    const bool isFirmwareTheSame = !before_.firmware.failure && after.firmware.version == before_.firmware.version;
+    if (!plan_.bootCode.empty() && procedure.hasBegun(steps - 2) && isFirmwareTheSame) {
         return {kChanged, "the boot code is written, the firmware is not: " + versions + again};
     }
     if (after == before_) {

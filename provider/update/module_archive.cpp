@@ -116,7 +116,7 @@ void readArchive(UpdateModule& module) {
             refuse(printable(name) + " in the archive is a link, or leads out of it");
         }
         readThrough(archive.get(), index, name);
-        module.entries.push_back(name);
+        module.entries.push_back(fs::path(name).lexically_normal().string());
         module.unpackedSize += status.size;
     }
 }
@@ -135,7 +135,7 @@ UpdateModule lookIntoModule(const std::string& directory) {
 std::vector<std::string> topEntries(const UpdateModule& module, const char* pattern) {
     std::vector<std::string> found;
     std::copy_if(module.entries.begin(), module.entries.end(), std::back_inserter(found), [pattern](const auto& name) {
-        return fnmatch(pattern, name.c_str(), FNM_PATHNAME | FNM_PERIOD) == 0;
+        return fnmatch(pattern, name.c_str(), FNM_PATHNAME | FNM_NOESCAPE) == 0;
     });
     return found;
 }

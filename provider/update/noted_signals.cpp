@@ -14,17 +14,6 @@
 namespace kvl::provider {
 namespace {
 
-constexpr std::array<int, 7> kNoted = {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGTSTP, SIGTTIN, SIGTTOU};
-
-sigset_t notedSet() {
-    sigset_t set;
-    sigemptyset(&set);
-    for (const int number : kNoted) {
-        sigaddset(&set, number);
-    }
-    return set;
-}
-
 host::FileDescriptor needed(int descriptor) {
     if (descriptor < 0) {
         throw std::system_error(errno, std::generic_category(), "watching for signals");
@@ -37,15 +26,32 @@ extern "C" void passOverBrokenPipe(int) {}
 
 }  // namespace
 
+sigset_t NotedSignals::notedSet() {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int number : kNoted) {
+        sigaddset(&set, number);
+    }
+    return set;
+}
+
+void NotedSignals::ignore() {
+    struct sigaction action {};
+    action.sa_handler = SIG_IGN;
+    for (std::size_t index = 0; index < kNoted.size(); ++index) {
+        sigaction(kNoted[index], &action, &dispositions_[index]);
+    }
+    action.sa_handler = passOverBrokenPipe;
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGPIPE, &action, &brokenPipe_);
+}
+
 NotedSignals::NotedSignals(std::function<void(int signal)> told) {
     const sigset_t set = notedSet();
     signals_ = needed(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
     end_ = needed(eventfd(0, EFD_CLOEXEC));
     pthread_sigmask(SIG_BLOCK, &set, &before_);
-    struct sigaction action {};
-    action.sa_handler = passOverBrokenPipe;
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGPIPE, &action, &brokenPipe_);
+    ignore();
     watcher_ = std::thread([this, told = std::move(told)] { watch(told); });
 }
 
@@ -57,6 +63,9 @@ NotedSignals::~NotedSignals() {
     const sigset_t set = notedSet();
     const struct timespec atOnce {};
     while (sigtimedwait(&set, nullptr, &atOnce) > 0) {
+    }
+    for (std::size_t index = 0; index < kNoted.size(); ++index) {
+        sigaction(kNoted[index], &dispositions_[index], nullptr);
     }
     sigaction(SIGPIPE, &brokenPipe_, nullptr);
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);

@@ -3,6 +3,7 @@
 
 #include <signal.h>
 
+#include <array>
 #include <atomic>
 #include <functional>
 #include <thread>
@@ -15,7 +16,9 @@ namespace kvl::provider {
 /// commands that it starts, for as long as the object lives: an updater that is broken off half-way can leave an
 /// adapter without firmware. They are noted instead.
 ///
-/// To be made before other threads that don't block all signals. A command that unblocks a signal for itself gets it.
+/// They are blocked and ignored: a shell unblocks all signals for itself and its commands when it has waited for one,
+/// but it leaves alone what was ignored when it began. To be made before other threads that don't block all signals. A
+/// command that takes a signal itself gets it.
 class NotedSignals {
 public:
     /// @param told  is called on a thread of its own with the first signal that comes
@@ -31,9 +34,14 @@ public:
     int first() const { return first_.load(); }
 
 private:
+    static constexpr std::array<int, 7> kNoted = {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGTSTP, SIGTTIN, SIGTTOU};
+
+    static sigset_t notedSet();
+    void ignore();
     void watch(const std::function<void(int signal)>& told);
 
     sigset_t before_{};
+    std::array<struct sigaction, kNoted.size()> dispositions_{};
     struct sigaction brokenPipe_ {};
     host::FileDescriptor signals_;
     host::FileDescriptor end_;

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <memory>
 
 #include "adapter/CEmulexCommon.h"
@@ -65,8 +66,8 @@ bool isMarked(const Kind& kind) {
         return false;
     }
     Failure failure = failureOf(kFileNotOpened);
-    failure.meaning = path + " can't be read, so whether " + kind.text + " is pending can't be told: " +
-                      std::strerror(errno);
+    failure.meaning =
+        path + " can't be read, so whether " + kind.text + " is pending can't be told: " + std::strerror(errno);
     failure.next = "run this as the user whose file it is, or mend the file";
     throw AdapterFailure(failure);
 }
@@ -111,8 +112,9 @@ void mark(const Kind& kind) {
     if (!CEmulexCommon::SequentialUpadateFileWrite(kind.number, "", "", kCna)) {
         Failure failure = lastFailure();
         failure.meaning = kind.text + std::string(" is not marked: ") + markFile(kind) + " can't be written";
-        failure.next = "see whether the file and its directory can be written, and whether the disk has room; what "
-                       "else was to be marked is told by 'kvl pending'";
+        failure.next =
+            "see whether the file and its directory can be written, and whether the disk has room; 'kvl "
+            "pending' lists what is marked";
         throw AdapterFailure(failure);
     }
 }
@@ -150,8 +152,8 @@ private:
 void needDeletable(const Kinds& marked) {
     const std::string directory = markDirectory();
     if (!marked.empty() && access(directory.c_str(), W_OK) != 0) {
-        throw ProviderError(kNothingCollected, "nothing was taken: the marks in " + directory +
-                                                   " can't be deleted (" + std::strerror(errno) +
+        throw ProviderError(kNothingCollected, "nothing was taken: the marks in " + directory + " can't be deleted (" +
+                                                   std::strerror(errno) +
                                                    "): run this as the user whose directory it is, or make it "
                                                    "writable");
     }
@@ -161,9 +163,8 @@ void needDeletable(const Kinds& marked) {
 Answer answerTake(const std::vector<std::string>& found, const Kinds& staying) {
     const std::vector<std::string> left = texts(staying);
     std::vector<std::string> taken;
-    std::copy_if(found.begin(), found.end(), std::back_inserter(taken), [&left](const std::string& kind) {
-        return std::find(left.begin(), left.end(), kind) == left.end();
-    });
+    std::copy_if(found.begin(), found.end(), std::back_inserter(taken),
+                 [&left](const std::string& kind) { return std::find(left.begin(), left.end(), kind) == left.end(); });
     Answer answer;
     answer.text = taken.empty() && !left.empty() ? "" : shownList(taken);
     answer.document = jsonText({{"taken", taken}, {"staying", left}});

@@ -12,8 +12,8 @@ namespace {
 constexpr const char* kPlainCharacters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._+-";
 
 std::string plainDirectory(const std::string& option, const std::string& given) {
-    const std::string path = std::filesystem::absolute(given).lexically_normal().string();
-    if (given.empty() || !isPlainPath(path)) {
+    const std::string path = given.empty() ? "" : std::filesystem::absolute(given).lexically_normal().string();
+    if (path.empty() || !isPlainPath(path)) {
         throw CLI::ValidationError(option +
                                    ": a directory's whole path holds letters, digits and '/._+-' alone, since the "
                                    "commands of an update go through a shell; '" +

@@ -23,7 +23,7 @@ struct Cause {
 };
 
 // Kept are the lines that tell most; those that follow them in the same procedure tell less.
-constexpr std::array<Cause, 11> kCauses = {{
+constexpr std::array<Cause, 13> kCauses = {{
     {"No such end message.", "its output did not come to its end in 150 s"},
     {"No such success message.", "its output does not report success"},
     {"no successMessage", "the module's message.txt holds no text of success"},
@@ -35,6 +35,8 @@ constexpr std::array<Cause, 11> kCauses = {{
     {"CUnzip_Utility::Unzip() unzip() failed", "'unzip' failed"},
     {"CUnzip_Utility::Unzip() ExecForeignModule() failed", "'unzip' could not be run, or a signal ended it"},
     {"Failed to get delete update module folder(", "the directory can't be removed"},
+    {"Failed to get os architecture.", "what kind of machine this is can't be told"},
+    {"Failed to find update module.There is not ufi file.", "no install.sh was unpacked to follow it"},
 }};
 
 bool beginsWith(std::string_view text, std::string_view beginning) {

@@ -93,7 +93,8 @@ void needAnswer(const ToolCheckFinding& finding) {
     }
     if (finding.reason == Reason::kRpmFailed) {
         Failure failure = toolFailure("the installed packages could not be told");
-        failure.next = "see whether " + adapterTree() + "/temp/rpm_grep_result.txt can be written and the disk has room";
+        failure.next =
+            "see whether " + adapterTree() + "/temp/rpm_grep_result.txt can be written and the disk has room";
         throw AdapterFailure(failure);
     }
 }

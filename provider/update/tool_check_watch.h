@@ -13,8 +13,8 @@ enum class ToolCheckReason { kNone, kWrongLine, kMissingLines, kPackage, kFileNo
 
 struct ToolCheckFinding {
     ToolCheckReason reason = ToolCheckReason::kNone;
-    std::string file;                  ///< that is wrong or could not be opened
-    std::string line;                  ///< the wrong one, as it stands in the file
+    std::string file;                   ///< that is wrong or could not be opened
+    std::string line;                   ///< the wrong one, as it stands in the file
     std::vector<std::string> expected;  ///< the lines that belong there
 };
 

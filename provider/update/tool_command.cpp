@@ -141,6 +141,7 @@ ExitCode ToolUpdate::run() {
 }
 
 ExitCode ToolUpdate::skip(const std::string& why) const {
+    UpdateRecord(options_.family, "the management tool").skipped(why);
     tellError(session_, "skipped: " + why);
     return kSkipped;
 }

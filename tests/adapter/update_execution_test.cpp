@@ -370,12 +370,12 @@ TEST_F(UpdaterOutput, OfAWorkDirectoryThatIsAFileIsThatOfTheEarlierRun) {
 }
 
 TEST_F(UpdaterOutput, IsWrittenInTheWorkDirectoryButLookedForHereWhereItsPathIsRelative) {
-    workDir = "/tmp/work";
+    workDir = "/tmp/elsewhere";
     machine.directory(workDir);
     output = "only-there";
     EXPECT_FALSE(update("echo 0", 2));
     EXPECT_EQ(lastError(), 17U);
-    EXPECT_EQ(contentOf("/tmp/work/only-there"), "0\n");
+    EXPECT_EQ(contentOf("/tmp/elsewhere/only-there"), "0\n");
     EXPECT_EQ(TestHost::trace(),
               (Lines{"4 CEmulexCommon::EmulexUpdate() Resultmode = 2 [START]", notOpenedTrace("only-there")}));
 }

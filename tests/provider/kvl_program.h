@@ -21,6 +21,21 @@ Outcome replayKvl(const std::string& machine, const std::vector<std::string>& ar
 /// Runs kvl on a terminal of its own. @return all that the terminal got
 std::string runOnTerminal(const std::vector<std::string>& arguments);
 
+/// Runs a script in a private root on a terminal of its own, 200 columns wide, that shows nothing of what is typed.
+/// @param typed  is there from the start
+/// @return all that the terminal got
+std::string runOnTerminalInside(const machines::PrivateRootOptions& options, const std::string& script,
+                                const std::string& typed);
+
+/// What is typed on a terminal, and when.
+struct TypedOnceShown {
+    std::string awaited;  ///< text that the terminal shows before; empty for at once
+    std::string words;    ///< Ctrl-C is an interrupt
+};
+
+std::string runOnTerminalInside(const machines::PrivateRootOptions& options, const std::string& script,
+                                const TypedOnceShown& typed);
+
 /// A private root in which kvl can be run on a recorded server.
 machines::PrivateRootOptions rootWithKvl(const std::string& recording);
 

@@ -46,7 +46,9 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUsage{{"frobnicate"}, "there is no command 'frobnicate'"},
         WrongUsage{{"--frobnicate"}, "there is no command '--frobnicate'"},
         WrongUsage{{"report", "extra"}, "not expected: extra ('kvl report --help' tells the usage)"},
-        WrongUsage{{"report", "--vendor"}, "--vendor: 1 required ID missing"},
+        WrongUsage{{"report", "--frobnicate", "3", "--vendor", "8086", "x"},
+                   "not expected: --frobnicate 3 x ('kvl report"},
+        WrongUsage{{"report", "--vendor"}, "--vendor needs a value: ID ('kvl report"},
         WrongUsage{{"report", "--vendor", "8086x"}, "and not '8086x'"},
         WrongUsage{{"report", "--vendor", "18086"}, "and not '18086'"},
         WrongUsage{{"report", "--vendor", "0x"}, "and not '0x'"}, WrongUsage{{"report", "--vendor", ""}, "and not ''"},
@@ -62,13 +64,38 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUsage{{"report", "--module", "a b"}, "and not 'a b'"},
         WrongUsage{{"report", "--module", ""}, "and not ''"},
         WrongUsage{{"report", "--module", std::string(65, 'x')}, "at most 64"},
-        WrongUsage{{"report", "-o", ""}, "-o takes the name of a file"}, WrongUsage{{"report", "-o"}, "FILE missing"},
+        WrongUsage{{"report", "-o", ""}, "-o takes the name of a file"},
+        WrongUsage{{"report", "-o"}, "--output needs a value: FILE"},
         WrongUsage{{"report", "--format", "json"}, "--format: 'json' is none of text,xml"},
         WrongUsage{{"report", "--legacy-commands", "always"}, "--legacy-commands: 'always' is none of auto,never"},
         WrongUsage{{"report", "--wait", "-1"}, "--wait: Value -1 not in range 0 to 86400"},
         WrongUsage{{"report", "--wait", "soon"}, "--wait: Value soon not in range"},
         WrongUsage{{"report", "--wait", "86401"}, "--wait: Value 86401 not in range"},
         WrongUsage{{"report", "-v", "--quiet"}, "excludes"},
+        WrongUsage{{"report", "--quiet=perhaps"}, "--quiet doesn't take 'perhaps' ('kvl report"},
+        WrongUsage{{"update"}, "a command is missing ('kvl update --help' tells the usage)"},
+        WrongUsage{{"tool-check", "--family", "iscsi"}, "--family: 'iscsi' is none of cna|fc"},
+        WrongUsage{{"tool-check", "--format", "xml"}, "--format: 'xml' is none of text|json"},
+        WrongUsage{{"tool-check", "extra"}, "not expected: extra ('kvl tool-check --help' tells the usage)"},
+        WrongUsage{{"pending", "--add", "NIC"}, "--add: 'NIC' is none of nic|fcoe|iscsi"},
+        WrongUsage{{"pending", "--add", "nic;id"}, "--add: 'nic;id' is none of nic|fcoe|iscsi"},
+        WrongUsage{{"pending", "--add", "nic,fcoe"}, "--add: 'nic,fcoe' is none of nic|fcoe|iscsi"},
+        WrongUsage{{"pending", "--add", ""}, "--add: '' is none of nic|fcoe|iscsi"},
+        WrongUsage{{"pending", "--add"}, "--add needs a value: nic|fcoe|iscsi"},
+        WrongUsage{{"pending", "--add", "nic", "fcoe"}, "not expected: fcoe"},
+        WrongUsage{{"pending", "--add", "nic", "--take"}, " excludes --"},
+        WrongUsage{{"pending", "--format", "xml"}, "--format: 'xml' is none of text|json"},
+        WrongUsage{{"boot-files"},
+                   "boot-files needs --override or --rebuild-initramfs, or both ('kvl boot-files --help'"},
+        WrongUsage{{"boot-files", "--dry-run"}, "boot-files needs --override or --rebuild-initramfs"},
+        WrongUsage{{"boot-files", "--override"}, "--override needs a value: LIST"},
+        WrongUsage{{"boot-files", "--override", ""}, "--override: '' is none of be2net,lpfc,be2iscsi"},
+        WrongUsage{{"boot-files", "--override", "lpfc,e1000"}, "--override: 'e1000' is none of be2net,lpfc,be2iscsi"},
+        WrongUsage{{"boot-files", "--override", "lpfc", "be2net"}, "not expected: be2net"},
+        WrongUsage{{"boot-files", "--override", "lpfc", "--restore-on-failure"},
+                   "--restore-on-failure requires --rebuild-initramfs"},
+        WrongUsage{{"boot-files", "--rebuild-initramfs", "--yes"}, "not expected: --yes"},
+        WrongUsage{{"boot-files", "--rebuild-initramfs", "--wait", "-1"}, "--wait: Value -1 not in range"},
         WrongUsage{{"replay"}, "replay needs the name or the directory"},
         WrongUsage{{"replay", "one-port"}, "replay needs a command behind '--'"},
         WrongUsage{{"replay", "one-port", "--"}, "replay needs a command behind '--'"},
@@ -104,6 +131,12 @@ INSTANTIATE_TEST_SUITE_P(
                     RightUsage{{"report", "--module", "A.b-c_9"}, ""},
                     RightUsage{{"report", "--module", std::string(64, 'x')}, ""},
                     RightUsage{{"report", "--wait", "0"}, ""}, RightUsage{{"report", "--wait", "86400"}, ""},
+                    RightUsage{{"tool-check", "--family", "fc", "--format", "json", "--wait", "0", "-v"}, ""},
+                    RightUsage{{"pending"}, ""}, RightUsage{{"pending", "--take", "--format", "json"}, ""},
+                    RightUsage{{"pending", "--add", "nic", "--add", "fcoe", "--add", "iscsi", "--add", "nic"}, ""},
+                    RightUsage{{"boot-files", "--override", "be2net,lpfc,be2iscsi", "--override", "lpfc"}, ""},
+                    RightUsage{{"boot-files", "--rebuild-initramfs", "--restore-on-failure", "--dry-run", "--quiet"},
+                               ""},
                     RightUsage{{"replay", "one-port", "--", "report"}, ""},
                     RightUsage{{"replay", "one-port", "--root", "dir", "--", "report", "-o", "x"}, ""}));
 
@@ -144,12 +177,26 @@ INSTANTIATE_TEST_SUITE_P(
                             "kvl: there is no recorded machine no-such-server. Known are: "}));
 
 TEST(Help, TellsTheExitCodesOfEachCommand) {
-    for (const Arguments& command : std::vector<Arguments>{{}, {"report"}, {"replay"}}) {
-        Arguments arguments = command;
-        arguments.emplace_back("--help");
+    const std::vector<std::pair<Arguments, const char*>> commands = {
+        {{"--help"}, kvl::provider::kProgramExitCodesHelp},
+        {{"report", "--help"}, kvl::provider::kExitCodesHelp},
+        {{"replay", "--help"}, kvl::provider::kExitCodesHelp}};
+    for (const auto& [arguments, exitCodes] : commands) {
         const std::string help = runKvl(arguments).output;
-        EXPECT_THAT(help, HasSubstr(kvl::provider::kExitCodesHelp));
+        EXPECT_THAT(help, HasSubstr(exitCodes));
         EXPECT_THAT(help, HasSubstr("Examples:\n"));
+    }
+}
+
+TEST(Help, TellsTheExitCodesOfTheCommandsAroundAnUpdate) {
+    for (const auto& [command, exitCodes] :
+         std::vector<std::pair<const char*, const char*>>{{"tool-check", kvl::provider::kToolCheckExitCodesHelp},
+                                                          {"pending", kvl::provider::kPendingExitCodesHelp},
+                                                          {"boot-files", kvl::provider::kUpdateExitCodesHelp}}) {
+        const Outcome outcome = runKvl({command, "--help"});
+        EXPECT_EQ(0, outcome.status);
+        EXPECT_THAT(outcome.output, HasSubstr(exitCodes));
+        EXPECT_THAT(outcome.output, HasSubstr("Examples:\n  kvl " + std::string(command)));
     }
 }
 

@@ -35,6 +35,13 @@ TEST(AdapterFailure, AdvisesToLookAtTheTraceForOtherCodes) {
               describe(lastFailure()));
 }
 
+TEST(AdapterFailure, OfThisProgramTellsNoNumber) {
+    const Failure failure = kvl::provider::ownFailure("no-catalogue", "there is none", "bring one");
+    EXPECT_EQ("", failure.number);
+    EXPECT_EQ("no-catalogue", failure.name);
+    EXPECT_EQ("there is none: bring one", describe(failure));
+}
+
 TEST(AdapterFailure, OfTheToolHasNoCode) {
     CEmulexCommon::SetLastError(17);
     const Failure failure = kvl::provider::toolFailure("hbacmd dump failed");

@@ -1,9 +1,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "provider/adapters/adapter_failure.h"
+#include "provider/adapters/adapter_tree.h"
 #include "tests/provider/adapter_server.h"
 
 namespace {
@@ -64,6 +70,22 @@ TEST(RemovedTool, IsNotNeededForVersionsThatAnEarlierRunHasKept) {
     EXPECT_EQ(3, runKvl(refreshed).status);
 }
 
+TEST(ToolThatCannotBeExecuted, IsTold) {
+    const Outcome outcome = runOnServer(
+        "remove_tool; echo >$tool; chmod 644 $tool; run kvl adapters; run kvl components\n"
+        "kvl components --format json 2>/dev/null");
+    const std::string sentence =
+        "kvl: /usr/sbin/ocmanager/hbacmd can't be executed: as root, see its mode, or install the OneCommand Manager "
+        "anew\n";
+    EXPECT_EQ(sentence + sentence, outcome.errors);
+    const std::string inText = "ended with 3\nthe adapter tool can't be run\nended with 16\n";
+    EXPECT_EQ(inText, outcome.output.substr(0, inText.size()));
+    EXPECT_EQ(json::parse(R"({"missing": [], "failures": [{"about": null, "number": null,
+                  "name": "tool-not-executable", "meaning": "/usr/sbin/ocmanager/hbacmd can't be executed",
+                  "next": "as root, see its mode, or install the OneCommand Manager anew"}]})"),
+              json::parse(outcome.output.substr(inText.size())));
+}
+
 TEST(FailingTool, IsToldWithItsCommand) {
     const Outcome outcome = runOnServer(
         "fault failing; run kvl adapters --versions 2>/tmp/list; run kvl adapters --format json 2>/dev/null; cure\n"
@@ -73,25 +95,25 @@ TEST(FailingTool, IsToldWithItsCommand) {
     EXPECT_EQ(
         "ended with 3\n"
         "{\n  \"error\": {\n    \"number\": \"0\",\n    \"name\": \"tool-failed\",\n    \"meaning\": "
-        "\"/usr/sbin/ocmanager/hbacmd listhbas failed\",\n    \"next\": \"run that command by hand, and see whether "
+        "\"/usr/sbin/ocmanager/hbacmd listhbas failed, saying 'hbacmd: the adapters do not answer'\",\n    \"next\": "
+        "\"run that command by hand, and see whether "
         "its "
         "services run and the adapters answer\"\n  }\n}\nended with 3\nended with 3\nended with 3\n",
         outcome.output);
-    const std::string itsOwn = "hbacmd: the adapters do not answer\n";
-    EXPECT_EQ(itsOwn + "kvl: /usr/sbin/ocmanager/hbacmd listhbas failed" + kToolAdvice + itsOwn +
-                  "kvl: /usr/sbin/ocmanager/hbacmd GetDumpDirectory 10:00:00:00:c9:d4:7e:30 failed" + kToolAdvice +
-                  itsOwn + "kvl: /usr/sbin/ocmanager/hbacmd dump 10:00:00:00:c9:d4:7e:30 failed" + kToolAdvice,
+    const std::string why = std::string(" failed, saying 'hbacmd: the adapters do not answer'") + kToolAdvice;
+    EXPECT_EQ("kvl: /usr/sbin/ocmanager/hbacmd listhbas" + why +
+                  "kvl: /usr/sbin/ocmanager/hbacmd GetDumpDirectory 10:00:00:00:c9:d4:7e:30" + why +
+                  "kvl: /usr/sbin/ocmanager/hbacmd dump 10:00:00:00:c9:d4:7e:30" + why,
               outcome.errors);
 }
 
 TEST(FailingTool, LeavesThePortsListedAndTheirVersionsNamed) {
-    const Outcome outcome = runOnServer(
-        "fault failing.dump; run kvl adapters --versions --family fc 2>/tmp/errors\n"
-        "grep -v '^hbacmd:' /tmp/errors >&2");
+    const Outcome outcome = runOnServer("fault failing.dump; run kvl adapters --versions --family fc");
     EXPECT_THAT(outcome.output, HasSubstr("0a:00.0  fc      FC    10:00:00:90:fa:5e:41:0a  0     VM14300288  -    "));
     EXPECT_THAT(outcome.output, EndsWith("ended with 1\n"));
     const auto note = [](const std::string& device, const std::string& address) {
-        return "kvl: " + device + ": firmware: /usr/sbin/ocmanager/hbacmd dump " + address + " failed" + kToolAdvice;
+        return "kvl: " + device + ": firmware: /usr/sbin/ocmanager/hbacmd dump " + address +
+               " failed, saying 'hbacmd: the adapters do not answer'" + kToolAdvice;
     };
     EXPECT_EQ(note("0a:00.0", "10:00:00:90:fa:5e:41:0a") + note("15:00.0", "10:00:00:00:c9:d4:7e:30") +
                   note("15:00.1", "10:00:00:00:c9:d4:7e:31"),
@@ -125,9 +147,10 @@ TEST(SlowTool, IsWaitedForAndAnswers) {
 }
 
 TEST(KilledTool, IsTold) {
-    const Outcome outcome = runOnServer("fault killed; run kvl adapters 2>/tmp/errors; grep kvl: /tmp/errors");
-    EXPECT_EQ("ended with 3\nkvl: /usr/sbin/ocmanager/hbacmd listhbas failed" + std::string(kToolAdvice),
-              outcome.output);
+    const Outcome outcome = runOnServer("fault killed; run kvl adapters");
+    EXPECT_EQ("ended with 3\n", outcome.output);
+    EXPECT_EQ("kvl: /usr/sbin/ocmanager/hbacmd listhbas failed, saying 'Killed'" + std::string(kToolAdvice),
+              outcome.errors);
 }
 
 struct NumberedFailure {
@@ -156,7 +179,10 @@ INSTANTIATE_TEST_SUITE_P(
                         "prints for the port's address"},
         NumberedFailure{"fault other-port-first 9",
                         "hbacmd wrote no dump of this adapter in three tries (error 6): see whether 'hbacmd dump "
-                        "ADDRESS' writes a file into its dump directory, and whether --family is the port's"},
+                        "ADDRESS' writes a file into its dump directory"},
+        NumberedFailure{"echo '/tmp/a b' >${ports%/*}/dump_directory",
+                        "hbacmd wrote no dump of this adapter in three tries (error 6): have the tool keep its dumps "
+                        "in a directory without a blank in its name, unlike '/tmp/a b', in which they aren't found"},
         NumberedFailure{"kvl adapters >/dev/null; mkdir -m 700 $tree/cache/FC/CacheDump_15:00.0.txt",
                         "the adapter's dump could not be copied to the cache (error 7): see whether tmp/EMULEX/cache "
                         "below the install directory can be written and the disk has room"},
@@ -170,7 +196,8 @@ INSTANTIATE_TEST_SUITE_P(
                         "no adapter in the list has this PCI location (error e): 'kvl adapters' lists the adapters "
                         "with their locations"},
         NumberedFailure{"sed -i d $ports/*/list",
-                        "the adapter list is empty (error f): see whether the adapters' driver is loaded, and what "
+                        "the adapter list is empty, or tells nothing of the adapter (error f): see whether the "
+                        "adapters' driver is loaded, and what "
                         "'hbacmd listhbas' prints"},
         NumberedFailure{"mkdir -p -m 700 ${tree%/*} $tree; echo >$tree/cache",
                         "a cache directory could not be made (error 12): see whether tmp/EMULEX/cache below the "
@@ -178,6 +205,27 @@ INSTANTIATE_TEST_SUITE_P(
         NumberedFailure{"mkdir -p -m 700 ${tree%/*} $tree; echo >$tree/temp",
                         "a temporary directory could not be made (error 13): see whether tmp/EMULEX/temp below the "
                         "install directory can be made; as root, remove what stands in its way"}));
+
+TEST(Code11, IsToldWhereTheListIsGoneWhenThePortIsLookedUp) {
+    const Outcome outcome = runOnServer(R"sh(
+remove_tool
+printf '#!/bin/sh\n[ "$1" != dump ] || rm -f %s/temp/Listhbas.txt\nexec /.machine/hbacmd "$@"\n' $tree >$tool
+chmod 755 $tool
+run kvl adapters --versions --family fc)sh");
+    EXPECT_THAT(outcome.output, EndsWith("ended with 1\n"));
+    const auto note = [](const std::string& device) {
+        return "kvl: " + device +
+               ": firmware: a file could not be opened, or a step of an update failed (error 11): see whether the "
+               "files in tmp/EMULEX below the install directory can be read\n";
+    };
+    EXPECT_EQ(note("15:00.0") + note("15:00.1"), outcome.errors);
+}
+
+TEST(Code6, AdvisesToLookAtAFamilyThatWasGiven) {
+    const Outcome outcome = runOnServer("run kvl version 15:00.0 --kind boot --family cna");
+    EXPECT_THAT(outcome.errors, HasSubstr("(error 6): "));
+    EXPECT_THAT(outcome.errors, EndsWith(" into its dump directory, and whether --family is the port's\n"));
+}
 
 TEST(ToolsOutput, OfAnotherFormIsTold) {
     const Outcome outcome =
@@ -193,9 +241,14 @@ TEST(ToolsOutput, ThatLacksALineOfAPortIsTold) {
     const Outcome outcome = runOnServer("sed -i /Serial/d $ports/15/list; run kvl adapters --family fc");
     EXPECT_THAT(outcome.output, EndsWith("15:00.1  fc      FC    10:00:00:00:c9:d4:7e:31  1     -\nended with 1\n"));
     EXPECT_EQ(
-        "kvl: 15:00.1: hbacmd's list lacks a line of this or an earlier port, so values may stand at the wrong port; "
-        "the list may have been cut: run 'kvl adapters' again\n",
+        "kvl: 15:00.1: hbacmd's list lacks a line of this or an earlier port, so values may stand at the wrong port: "
+        "run 'kvl adapters' again, since the list may have been cut\n",
         outcome.errors);
+    const Outcome document = runOnServer("sed -i /Serial/d $ports/15/list; kvl adapters --family fc --format json");
+    EXPECT_EQ(json::parse(R"([{"about": "15:00.1", "number": null, "name": "incomplete-list", "meaning":
+                  "hbacmd's list lacks a line of this or an earlier port, so values may stand at the wrong port",
+                  "next": "run 'kvl adapters' again, since the list may have been cut"}])"),
+              json::parse(document.output)["failures"]);
 }
 
 TEST(ToolsOutput, WithoutALocationLeavesTheVersionsOut) {
@@ -206,9 +259,15 @@ TEST(ToolsOutput, WithoutALocationLeavesTheVersionsOut) {
     EXPECT_THAT(outcome.output,
                 StartsWith("-        fc      FC    10:00:00:00:c9:d4:7e:31  1     FC82110931  -         -         -"));
     EXPECT_EQ(
-        "kvl: 10:00:00:00:c9:d4:7e:31: its versions can't be asked for: hbacmd's list tells no PCI location of "
-        "it\n",
+        "kvl: 10:00:00:00:c9:d4:7e:31: hbacmd's list tells no PCI location of it, by which its versions are asked "
+        "for: see what 'hbacmd listhbas' prints\n",
         outcome.errors);
+    const json document = json::parse(outcome.output.substr(outcome.output.find('{')));
+    EXPECT_EQ("no-location", document["adapters"][2]["failures"][0]["name"]);
+    EXPECT_EQ(nullptr, document["adapters"][2]["failures"][0]["kind"]);
+    ASSERT_EQ(1U, document["failures"].size());
+    EXPECT_EQ("no-location", document["failures"][0]["name"]);
+    EXPECT_EQ("10:00:00:00:c9:d4:7e:31", document["failures"][0]["about"]);
 }
 
 TEST(ToolsOutput, GoesToNoShellWhereItIsNoAddress) {
@@ -225,6 +284,14 @@ TEST(ToolsOutput, GoesToNoShellWhereItIsNoAddress) {
     const json document = json::parse(answer.substr(0, answer.rfind('}') + 1));
     EXPECT_EQ("unexpected-form", document["adapters"][13]["failures"][0]["name"]);
     EXPECT_EQ("2.01a12", document["adapters"][14]["versions"]["firmware"]);
+}
+
+TEST(ToolsOutput, GoesToNoShellWhereItLacksTheAddressOfThePortsType) {
+    // The first port's type is that of a port with a WWN.
+    const Outcome outcome = runOnServer(
+        "sed -i 's/^\\(Port Type.*\\): .*/\\1: FC/' $ports/01/list\n"
+        "run kvl version 02:00.0 --kind boot 2>&1 | cut -c 1-65; grep -c dump /.machine/log");
+    EXPECT_EQ("kvl: hbacmd's list tells no proper address of 02:00.0 (error 0): \nended with 3\n0\n", outcome.output);
 }
 
 TEST(ToolsOutput, NeedNotBeText) {
@@ -246,6 +313,32 @@ TEST(AdapterTree, IsRefusedWhereOthersCanWrite) {
         "go-w /opt/tarvenn/kvl/tmp/EMULEX/temp'\n"
         "kvl: the adapters' directory /opt/tarvenn/kvl/tmp/EMULEX is no directory: remove it, and kvl makes one\n",
         outcome.errors);
+}
+
+/// Becomes a user to whom the directory of the installation is closed, and tells what comes of that.
+[[noreturn]] void needTreeAsOrdinaryUser(const std::string& installation) {
+    constexpr uid_t kNobody = 65534;
+    setenv("KVL_INSTALL_PATH", installation.c_str(), 1);
+    if (geteuid() == 0 && setuid(kNobody) != 0) {
+        _exit(1);
+    }
+    try {
+        kvl::provider::needAdapterTree();
+    } catch (const kvl::provider::AdapterFailure& failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        _exit(0);
+    }
+    _exit(1);
+}
+
+TEST(AdapterTree, IsMadeByRootWhereTheUserMayNot) {
+    const ScratchDirectory scratch;
+    const std::string installation = scratch / "kvl";
+    std::filesystem::create_directory(installation);
+    std::filesystem::permissions(installation, std::filesystem::perms::owner_read);
+    EXPECT_EXIT(needTreeAsOrdinaryUser(installation), testing::ExitedWithCode(0),
+                "a cache directory could not be made .error 12.: run kvl as root");
+    std::filesystem::permissions(installation, std::filesystem::perms::owner_all);
 }
 
 TEST(AdapterTree, IsRefusedAtAPathThatAShellTakesApart) {

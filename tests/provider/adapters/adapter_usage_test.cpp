@@ -14,6 +14,7 @@ using kvl::provider::Arguments;
 using kvl::provider::ProviderError;
 using kvl::provider::readCommandLine;
 using kvl::test::runKvl;
+using testing::AllOf;
 using testing::HasSubstr;
 
 /// @return why the command line isn't carried out; "accepted" if it would be
@@ -55,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(Word{"0b:00.1", kAccepted}, Word{"B:0.1", kAccepted}, Word{"0b:00.1-", kAccepted},
                     Word{"0b:00.1-10df/f100_A.b-c", kAccepted}, Word{"15:1f.0f", kAccepted},
                     Word{"0b:00.1-" + std::string(64, 'x'), kAccepted},
-                    Word{"0b:00.1-" + std::string(65, 'x'), kDeviceForm}, Word{"", kDeviceForm},
+                    Word{"0b:00.1-" + std::string(65, 'x'), "and '-', at most 64; '0b:00.1-xxx"}, Word{"", kDeviceForm},
                     Word{"0b", kDeviceForm}, Word{"0b:00", kDeviceForm}, Word{"0b:00.", kDeviceForm},
                     Word{":00.1", kDeviceForm}, Word{"0b:.1", kDeviceForm}, Word{"0g:00.1", kDeviceForm},
                     Word{"00b:00.1", kDeviceForm}, Word{"0000:0b:00.1", kDeviceForm}, Word{"0b.00.1", kDeviceForm},
@@ -127,12 +128,16 @@ INSTANTIATE_TEST_SUITE_P(
         Row{{"adapters"}, kAccepted},
         Row{{"adapters", "--family", "fc", "--versions", "--refresh", "--format", "json", "--wait", "0", "-v"},
             kAccepted},
+        Row{{"adapters", "--refresh"}, kAccepted},
         Row{{"adapters", "--family", "FC"}, "--family: 'FC' is none of cna|fc ('kvl adapters --help'"},
         Row{{"adapters", "--family", "fc;id"}, "--family: 'fc;id' is none of cna|fc"},
         Row{{"adapters", "--family", ""}, "--family: '' is none of cna|fc"},
         Row{{"adapters", "--format", "xml"}, "--format: 'xml' is none of text|json"},
         Row{{"adapters", "02:00.0"}, "not expected: 02:00.0"}, Row{{"adapters", "-v", "--quiet"}, "excludes"},
-        Row{{"adapters", "--wait", "-1"}, "--wait: Value -1 not in range"}, Row{{"adapter-info"}, "DEVICE is required"},
+        Row{{"adapters", "--wait", "-1"}, "--wait: Value -1 not in range"},
+        Row{{"adapter-info"}, "DEVICE is required: a device is bus:device.function"},
+        Row{{"slot", "-x"}, "DEVICE is required: a device is bus:device.function"},
+        Row{{"slot", "--help", "-x"}, kAccepted}, Row{{"slot", "--help"}, kAccepted},
         Row{{"adapter-info", "0b:00.1", "0b:00.2"}, "not expected: 0b:00.2"},
         Row{{"version", "0b:00.1"}, "--kind is required"}, Row{{"version", "--kind", "driver"}, "DEVICE is required"},
         Row{{"version", "0b:00.1", "--kind", "bios"}, "--kind: 'bios' is none of firmware|driver|boot|tool"},
@@ -146,9 +151,10 @@ INSTANTIATE_TEST_SUITE_P(
         Row{{"compare", "1.2.3.4", "1.2.3.4", "--kind", "driver"}, "--family is required"},
         Row{{"compare", "1.2.3.4", "1.2.3.4", "--kind", "driver", "--family", "cna"}, kAccepted},
         Row{{"compare", "1.2.3.4", "1.2.3.4", "--kind", "boot", "--family", "cna"},
-            "versions of boot code are not compared: --kind firmware, driver or tool"},
+            "--kind: 'boot' is none of firmware|driver|tool"},
         Row{{"compare", "-1.2.3.4", "1.2.3.4", "--kind", "driver", "--family", "cna"}, kVersionForm},
-        Row{{"driver-check", "lpfc"}, "VERSION is required"}, Row{{"driver-check"}, "DRIVER is required"},
+        Row{{"driver-check", "lpfc"}, "VERSION is required: a version begins with"},
+        Row{{"driver-check"}, "DRIVER is required: a driver is the name"},
         Row{{"supported", "--family", "iscsi"}, "--family: 'iscsi' is none of cna|fc"},
         Row{{"supported", "--format", "json"}, kAccepted}, Row{{"boot-image"}, kAccepted},
         Row{{"boot-image", "x"}, "not expected: x"}, Row{{"components"}, kAccepted},
@@ -160,8 +166,8 @@ TEST(WrongUsage, OfAnAdapterCommandEndsWithTwo) {
     EXPECT_EQ(2, outcome.status);
     EXPECT_EQ("", outcome.output);
     EXPECT_EQ("kvl: " + std::string(kDeviceForm) +
-                  ", and may go on with '-' and letters, digits, '.', '_', '/' and '-'; '0b:00.1;touch x' isn't ('kvl "
-                  "version --help' tells the usage)\n",
+                  ", and may go on with '-' and letters, digits, '.', '_', '/' and '-', at most 64; '0b:00.1;touch x' "
+                  "isn't ('kvl version --help' tells the usage)\n",
               outcome.errors);
 }
 
@@ -185,6 +191,15 @@ TEST(AdapterHelp, TellsExitCodesAndExamplesOfEachCommand) {
         EXPECT_THAT(outcome.output, HasSubstr(row.exitCodes));
         EXPECT_THAT(outcome.output, HasSubstr("Examples:\n  kvl " + std::string(row.command)));
     }
+}
+
+TEST(AdapterHelp, OffersToCompareOnlyKindsThatCanBe) {
+    EXPECT_THAT(runKvl({"compare", "--help"}).output, HasSubstr("--kind firmware|driver|tool "));
+    EXPECT_THAT(runKvl({"version", "--help"}).output, HasSubstr("--kind firmware|driver|boot|tool "));
+}
+
+TEST(AdapterHelp, MarksTheWordsThatMustBeGiven) {
+    EXPECT_THAT(runKvl({"slot", "--help"}).output, AllOf(HasSubstr("slot [OPTIONS] DEVICE\n"), HasSubstr("REQUIRED")));
 }
 
 }  // namespace

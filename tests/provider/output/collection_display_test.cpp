@@ -67,11 +67,11 @@ TEST(CollectionDisplay, CountsTheSecondsOfAWaitAnewForEachCommand) {
     display.clear();
     terminal.str("");
     display.showWait("/bin/uname -r");
-    EXPECT_EQ("\rno output yet from /bin/uname -r: waiting 1 of 10 s", terminal.str());
+    EXPECT_EQ("\r1 of 10 s  no output yet from /bin/uname -r", terminal.str());
     display.showWait("/bin/uname -r");
     EXPECT_EQ(
-        "\rno output yet from /bin/uname -r: waiting 1 of 10 s"
-        "\rno output yet from /bin/uname -r: waiting 2 of 10 s",
+        "\r1 of 10 s  no output yet from /bin/uname -r"
+        "\r2 of 10 s  no output yet from /bin/uname -r",
         terminal.str());
 }
 
