@@ -63,6 +63,12 @@ void AdapterSession::shareLock() {
     }
 }
 
+void AdapterSession::leaveLock() {
+    if (lock_) {
+        lock_->leaveToCommands();
+    }
+}
+
 void AdapterSession::note(const std::string& line) {
     if (display_) {
         display_->clear();

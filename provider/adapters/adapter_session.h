@@ -39,8 +39,8 @@ public:
     /// Forgets the command that ran last, so that what is told of a command is about the next one.
     void forgetCommand() { watch_ = AdapterWatch(); }
 
-    /// Writes to standard output, which what the commands print doesn't reach.
-    void print(const std::string& text) const { output_.write(text); }
+    /// Writes to standard output, which what the commands print doesn't reach. @return false if that failed
+    bool print(const std::string& text) const { return output_.write(text); }
 
     /// Writes a line about the run to standard error, below whatever is shown there, unless the operator wants quiet.
     void note(const std::string& line);
@@ -58,6 +58,9 @@ public:
     /// Has the commands that the library runs from now on hold the machine's lock, so that one that outlives this
     /// process keeps others away.
     void shareLock();
+
+    /// Has the commands that still run keep that lock also when this session ends properly.
+    void leaveLock();
 
     /// The line on the operator's terminal; null without one.
     WaitDisplay* display() { return display_.get(); }

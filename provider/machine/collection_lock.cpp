@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <array>
@@ -55,10 +56,11 @@ host::FileDescriptor openLockFile(const std::string& file) {
     return opened;
 }
 
-/// Only an owner notes its number: the file's content is no one else's business.
+/// Only its owner and root note their number: the file's content is no one else's business.
 bool mayNote(int file) {
     struct stat status {};
-    return fstat(file, &status) == 0 && status.st_uid == geteuid() && status.st_nlink == 1;
+    const bool isOwn = fstat(file, &status) == 0 && (geteuid() == 0 || status.st_uid == geteuid());
+    return isOwn && status.st_nlink == 1;
 }
 
 void note(int file, const std::string& text) {
@@ -77,6 +79,18 @@ pid_t holderOf(int file) {
     const auto process = static_cast<pid_t>(number);
     const bool lives = number > 0 && process == number && (kill(process, 0) == 0 || errno == EPERM);
     return lives ? process : 0;
+}
+
+/// The same, with a little patience: who has just taken the lock has not noted itself yet.
+pid_t patientHolderOf(int file) {
+    constexpr int kLooks = 20;
+    const struct timespec pause = {0, 5'000'000};
+    pid_t holder = holderOf(file);
+    for (int look = 0; holder == 0 && look < kLooks; ++look) {
+        nanosleep(&pause, nullptr);
+        holder = holderOf(file);
+    }
+    return holder;
 }
 
 std::string describeHolder(pid_t holder) {
@@ -106,7 +120,7 @@ CollectionLock CollectionLock::take(const std::string& file, unsigned long longe
             refuse(file, std::string("can't be locked: ") + std::strerror(errno));
         }
         if (pauses == longestPauses) {
-            throw ProviderError(kNothingCollected, describeHolder(holderOf(opened.number())) +
+            throw ProviderError(kNothingCollected, describeHolder(patientHolderOf(opened.number())) +
                                                        " still works on this machine: try again when it has ended, or "
                                                        "wait longer with --wait SECONDS");
         }

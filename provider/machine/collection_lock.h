@@ -39,6 +39,9 @@ public:
     /// still runs; but if this process dies before, the commands that it has left behind keep it.
     void shareWithCommands();
 
+    /// Has those commands keep the lock also behind the end of this object.
+    void leaveToCommands() { isShared_ = false; }
+
     CollectionLock(CollectionLock&&) = default;
     CollectionLock& operator=(CollectionLock&&) = default;
     ~CollectionLock();

@@ -75,8 +75,8 @@ QuietOutput::~QuietOutput() {
     std::cerr.rdbuf(before_);
 }
 
-void QuietOutput::write(const std::string& text) const {
-    writeAll(output_.kept(), text);
+bool QuietOutput::write(const std::string& text) const {
+    return writeAll(output_.kept(), text);
 }
 
 void QuietOutput::show() {

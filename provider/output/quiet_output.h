@@ -40,8 +40,8 @@ public:
     QuietOutput(const QuietOutput&) = delete;
     QuietOutput& operator=(const QuietOutput&) = delete;
 
-    /// Writes to this program's own output all the same.
-    void write(const std::string& text) const;
+    /// Writes to this program's own output all the same. @return false if that failed
+    bool write(const std::string& text) const;
 
     /// Shows the operator what was printed and not yet shown or forgotten.
     void show();

@@ -330,6 +330,7 @@ UpdateEnding BootFilesUpdate::judgeRebuild(const BootProcedure& procedure) const
         return failHarmlessly(what + ", and " + image_->path() + " is as it was: see why, and run this again");
     }
     if (!options_.restores) {
+        image_->noteFailure();
         return {kChanged,
                 what + "; the kernel " + kernel_ +
                     " has no whole RAM disk image now and can't be started: move the former one back, with '" +

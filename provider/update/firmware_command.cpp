@@ -76,18 +76,17 @@ private:
 };
 
 ExitCode FirmwareUpdate::run() {
+    inventory_.refreshList();
+    plan_ = planFirmwareUpdate(options_.request, inventory_);
     if (isForFunctionZero()) {
         return skip("function " + std::to_string(functionOf(options_.request.device)) + " of an " +
                     options_.request.uniqueName + " is updated through function 0");
     }
-    inventory_.refreshList();
-    plan_ = planFirmwareUpdate(options_.request, inventory_);
     if (!options_.update.dryRun) {
         before_ = readVersions();
     }
-    session_.print(plan());
+    showPlan(session_, plan() + (options_.update.dryRun ? kDryRunEnds : ""));
     if (options_.update.dryRun) {
-        session_.print(kDryRunEnds);
         return kReportWritten;
     }
     if (!isWanted(options_.update, session_, "Update it now?")) {
@@ -102,8 +101,7 @@ bool FirmwareUpdate::isForFunctionZero() const {
 }
 
 ExitCode FirmwareUpdate::skip(const std::string& why) const {
-    const std::string& family = plan_.family.empty() ? options_.request.family : plan_.family;
-    UpdateRecord(family.empty() ? kCna : family, "the firmware of " + options_.request.device).skipped(why);
+    UpdateRecord(plan_.family, "the firmware of " + plan_.device).skipped(why);
     tellError(session_, "skipped: " + why);
     return kSkipped;
 }
@@ -144,6 +142,7 @@ ExitCode FirmwareUpdate::carryOut() {
     Procedure procedure(session_, plan_.steps());
     const bool succeeded = procedure.run([this] { return callLibrary(); });
     const RunningVersions after = readVersions();
+    record.signalled(signals.first());
     if (succeeded) {
         record.done(change(after));
         const ExitCode exitCode = succeed(after);
@@ -180,7 +179,7 @@ std::string FirmwareUpdate::change(const RunningVersions& after) const {
 }
 
 ExitCode FirmwareUpdate::succeed(const RunningVersions& after) const {
-    session_.print("Updated " + plan_.device + ": " + change(after) + "\n");
+    tellResult(session_, "Updated " + plan_.device + ": " + change(after));
     if (!after.areKnown()) {
         tellError(session_, "the tool reports success, but what runs now could not be read: " +
                                 describe(after.firmware.failure ? *after.firmware.failure : *after.bootCode.failure));

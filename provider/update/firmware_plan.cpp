@@ -119,6 +119,7 @@ FirmwarePlan planFirmwareUpdate(const FirmwareRequest& request, const AdapterInv
     if (!request.scratch.empty()) {
         needOwnDirectory(request.scratch);
     }
+    needOutside(plan.module.directory, plan.scratch);
     needCommand("unzip");
     needRoom(request.scratch.empty() ? plan.workDirectory : request.scratch, plan.module.unpackedSize);
     needRoom(plan.workDirectory, 0);

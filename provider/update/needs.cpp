@@ -4,6 +4,7 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -68,6 +69,16 @@ void needRoom(const std::string& directory, std::uint64_t bytes) {
     }
     if (access(place.c_str(), W_OK) != 0) {
         refuse(place + " can't be written: " + std::strerror(errno));
+    }
+}
+
+void needOutside(const std::string& directory, const std::string& deleted) {
+    std::error_code error;
+    const auto inner = std::filesystem::weakly_canonical(directory, error);
+    const auto outer = std::filesystem::weakly_canonical(deleted, error);
+    const auto ends = std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end());
+    if (error || ends.first == outer.end()) {
+        refuse(directory + " lies in " + deleted + ", which is deleted first: move the module elsewhere");
     }
 }
 

@@ -18,6 +18,11 @@ std::string findCommand(const std::string& name);
 /// @param directory  where; the nearest directory above counts if it isn't there
 void needRoom(const std::string& directory, std::uint64_t bytes);
 
+/// That a directory doesn't lie in another one, which is about to be deleted with all that is in it.
+/// @param directory  is there
+/// @param deleted    needn't be there
+void needOutside(const std::string& directory, const std::string& deleted);
+
 /// A directory that is this user's own and that nobody else can put anything into, since what lies in it is run or
 /// deleted.
 void needOwnDirectory(const std::string& directory);

@@ -6,7 +6,9 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <iostream>
 #include <iterator>
+#include <list>
 #include <memory>
 
 #include "adapter/CEmulexCommon.h"
@@ -176,25 +178,45 @@ Answer answerTake(const std::vector<std::string>& found, const Kinds& staying) {
     return answer;
 }
 
-Answer take(const PendingOptions& options) {
+/// Marks that are taken and have not been told yet: they would be lost.
+struct TakenMarks {
+    std::unique_ptr<NotedSignals> signals;
+    std::list<std::string> kinds;
+};
+
+Answer take(const PendingOptions& options, TakenMarks& taken) {
     AdapterSession session(options.run);
     needAdapterTree();
     needDeletable(markedKinds());
-    // Marks that are deleted and not told would be lost.
-    const NotedSignals signals([&session](int signal) {
-        session.note(std::string("kvl: ") + strsignal(signal) + ": noted; the marks are handed back first");
+    taken.signals = std::make_unique<NotedSignals>([](int signal) {
+        std::cerr << "kvl: " << strsignal(signal) << ": noted; the marks are handed back first" << std::endl;
     });
     TakeWatch watch(session);
     session.watchProcedure(&watch);
-    std::list<std::string> kinds;
-    const bool areTaken = CEmulexCommon::SequentialUpadateFileRead(&kinds, kCna);
+    const bool areTaken = CEmulexCommon::SequentialUpadateFileRead(&taken.kinds, kCna);
     session.watchProcedure(nullptr);
-    return answerTake({kinds.begin(), kinds.end()}, areTaken ? Kinds() : markedKinds());
+    return answerTake({taken.kinds.begin(), taken.kinds.end()}, areTaken ? Kinds() : markedKinds());
 }
 
-Answer answerPending(const PendingOptions& options) {
+/// Takes the marks and prints them. If nobody gets to read them they are marked again.
+int takeAndPrint(const PendingOptions& options) {
+    TakenMarks taken;
+    try {
+        return printAnswer(options.format, [&] { return take(options, taken); });
+    } catch (const ProviderError&) {
+        for (const Kind& kind : kKinds) {
+            if (std::find(taken.kinds.begin(), taken.kinds.end(), kind.text) != taken.kinds.end()) {
+                mark(kind);
+            }
+        }
+        throw;
+    }
+}
+
+int printPending(const PendingOptions& options) {
     const bool isAnyAdded = std::find(options.isAdded.begin(), options.isAdded.end(), true) != options.isAdded.end();
-    return options.take ? take(options) : isAnyAdded ? add(options) : listPending();
+    return options.take ? takeAndPrint(options)
+                        : printAnswer(options.format, [&] { return isAnyAdded ? add(options) : listPending(); });
 }
 
 std::size_t indexOf(const std::string& word) {
@@ -226,9 +248,7 @@ void addPendingCommand(CLI::App& program, Request& request) {
     addMarkOptions(*command, *options);
     addAnswerFormat(*command, options->format);
     addRunOptions(*command, options->run);
-    command->callback([options, &request] {
-        request.run = [options] { return printAnswer(options->format, [options] { return answerPending(*options); }); };
-    });
+    command->callback([options, &request] { request.run = [options] { return printPending(*options); }; });
 }
 
 }  // namespace kvl::provider

@@ -74,6 +74,9 @@ bool Procedure::run(const std::function<bool()>& call) {
         failure_ = formFailure("hbacmd's list of the adapters does not have the expected form");
     }
     session_.watchProcedure(nullptr);
+    if (!succeeded) {
+        session_.leaveLock();  // an updater that has failed can still be at work
+    }
     if (session_.display() != nullptr) {
         session_.display()->clear();
     }

@@ -26,27 +26,26 @@ std::string identity(const std::string& path) {
                          std::to_string(status->st_mtim.tv_sec) + "." + std::to_string(status->st_mtim.tv_nsec);
 }
 
-std::string firstLine(const std::string& path) {
-    std::ifstream file(path);
-    std::string line;
-    std::getline(file, line);
-    return line;
-}
-
 }  // namespace
 
 RamDiskImage::RamDiskImage(const std::string& kernel, const std::string& noteDirectory)
-    : path_("/boot/initramfs-" + kernel + ".img"),
-      noteFile_(noteDirectory + "/initramfs-" + kernel + ".txt"),
-      noted_(firstLine(noteFile_)) {
+    : path_("/boot/initramfs-" + kernel + ".img"), noteFile_(noteDirectory + "/initramfs-" + kernel + ".txt") {
+    std::ifstream note(noteFile_);
+    std::getline(note, noted_);
+    std::string left;
+    if (std::getline(note, left)) {
+        left_ = left;
+    }
     struct stat status {};
     if (lstat(path_.c_str(), &status) != 0) {
         noted_ = identity(formerPath());
+        left_.reset();
     }
 }
 
 bool RamDiskImage::isBrokenOff() const {
-    return !noted_.empty() && identity(formerPath()) == noted_ && !isUntouched();
+    const bool isOfThatRebuild = !left_ || identity(path_) == *left_;
+    return !noted_.empty() && identity(formerPath()) == noted_ && !isUntouched() && isOfThatRebuild;
 }
 
 std::optional<std::uint64_t> RamDiskImage::size() const {
@@ -61,9 +60,18 @@ std::uint64_t RamDiskImage::presentSize() const {
 
 bool RamDiskImage::note() {
     noted_ = identity(path_);
-    const std::string line = noted_ + "\n";
+    left_.reset();
+    return writeNote(noted_ + "\n");
+}
+
+void RamDiskImage::noteFailure() const {
+    // Where that can't be written, the image is moved back at the next rebuild.
+    static_cast<void>(writeNote(noted_ + "\n" + identity(path_) + "\n"));
+}
+
+bool RamDiskImage::writeNote(const std::string& text) const {
     host::AtomicFile file(noteFile_);
-    return file.write(line.data(), line.size()) && file.commit();
+    return file.write(text.data(), text.size()) && file.commit();
 }
 
 void RamDiskImage::forgetNote() const {

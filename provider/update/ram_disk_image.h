@@ -35,6 +35,10 @@ public:
     /// Notes that the file with the image's name is the good one. @return false if that can't be written
     bool note();
 
+    /// Adds to the note what a rebuild that has failed leaves under the image's name. Whatever stands there later was
+    /// made by somebody else, and is trusted.
+    void noteFailure() const;
+
     /// Forgets the note, when the image can be trusted.
     void forgetNote() const;
 
@@ -49,9 +53,12 @@ public:
     std::string restore() const;
 
 private:
+    bool writeNote(const std::string& text) const;
+
     std::string path_;
     std::string noteFile_;
     std::string noted_;
+    std::optional<std::string> left_;  // by a rebuild that has failed
 };
 
 }  // namespace kvl::provider

@@ -25,7 +25,7 @@ constexpr const char* kExamples =
     "  kvl tool-check --format json\n"
     "\n"
     "The settings in /etc/emulexDiscConfig and /etc/emulexRMConfig are looked at, and whether rpm\n"
-    "lists the tool's graphical part, elxocmjvm.\n"
+    "lists the package elxocmjvm.\n"
     "\n";
 
 struct CheckOptions {

@@ -86,7 +86,7 @@ struct InstalledTool {
     std::string version;  ///< empty if it can't be told, as without an adapter
 
     bool operator==(const InstalledTool& other) const {
-        return isThere == other.isThere && version == other.version && !version.empty();
+        return isThere == other.isThere && version == other.version && !(isThere && version.empty());
     }
     std::string shown() const {
         return !isThere ? "not installed" : version.empty() ? "version unknown" : printable(version);
@@ -129,9 +129,8 @@ ExitCode ToolUpdate::run() {
     if (!options_.update.dryRun) {
         before_ = readTool();
     }
-    session_.print(plan());
+    showPlan(session_, plan() + (options_.update.dryRun ? kDryRunEnds : ""));
     if (options_.update.dryRun) {
-        session_.print(kDryRunEnds);
         return kReportWritten;
     }
     if (!isWanted(options_.update, session_, "Update the tool now?")) {
@@ -153,6 +152,7 @@ void ToolUpdate::look() {
         needEntry(module_, machine + name);
     }
     directory_ = options_.temporary("tmp/") + machine;
+    needOutside(module_.directory, options_.temporary("tmp"));
     needCommand("unzip");
     needRoom(options_.tree + "/temp", module_.unpackedSize);
 }
@@ -211,15 +211,16 @@ std::string ToolUpdate::plan() const {
 ExitCode ToolUpdate::carryOut() {
     const NotedSignals signals(tellingSignals(session_));
     const UpdateRecord record(options_.family, "the management tool");
-    record.begun(module_.directory + "/" + module_.archive);
     clearMarker();
+    record.begun(module_.directory + "/" + module_.archive);
     Procedure procedure(session_, steps());
     const bool succeeded = procedure.run([this] { return callLibrary(); });
     const InstalledTool after = readTool();
     const std::string change = before_.shown() + " -> " + after.shown();
+    record.signalled(signals.first());
     if (succeeded) {
         record.done(change);
-        session_.print("Updated the management tool: " + change + "\n");
+        tellResult(session_, "Updated the management tool: " + change);
         return signals.first() != 0 ? kInterrupted : kReportWritten;
     }
     const UpdateEnding ending = judge(procedure, after);
@@ -251,7 +252,8 @@ UpdateEnding ToolUpdate::judge(const Procedure& procedure, const InstalledTool& 
                               "; mend what is told above, and try it once more with --again"};
     }
     if (after == before_) {
-        return {kNothingChanged, "the installed tool is still there: " + after.shown()};
+        return {kNothingChanged, after.isThere ? "the installed tool is still there: " + after.shown()
+                                               : "no tool is installed, as before"};
     }
     return {kChanged, "the installed tool was to be removed, and the new one was not installed: " + change +
                           "; mend what is told above, and run the update again"};

@@ -86,6 +86,24 @@ void UpdateRecord::failed(const std::string& why) const {
     CTraceUtility::WriteDebug(module_.c_str(), TRACE_DBG_BOUNDARY, "kvl update of %s [END]", subject_.c_str());
 }
 
+void UpdateRecord::signalled(int signal) const {
+    if (signal != 0) {
+        CTraceUtility::WriteTrace(module_.c_str(), "MSGID_KVL_UPDATE_SIGNAL_I", subject_.c_str(), strsignal(signal));
+    }
+}
+
+void showPlan(const AdapterSession& session, const std::string& plan) {
+    if (!session.print(plan)) {
+        throw ProviderError(kNothingChanged, "the plan could not be written to standard output");
+    }
+}
+
+void tellResult(AdapterSession& session, const std::string& result) {
+    if (!session.print(result + "\n")) {
+        tellError(session, "this could not be written to standard output: " + result);
+    }
+}
+
 std::function<void(int signal)> tellingSignals(AdapterSession& session) {
     return [&session](int number) {
         session.note(std::string("kvl: ") + strsignal(number) +

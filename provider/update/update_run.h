@@ -53,6 +53,9 @@ public:
     void skipped(const std::string& why) const;
     void failed(const std::string& why) const;
 
+    /// @param signal  that was noted meanwhile; nothing is written for 0
+    void signalled(int signal) const;
+
 private:
     std::string module_;
     std::string subject_;
@@ -69,6 +72,12 @@ struct UpdateEnding {
 
 /// What a dry run says in the end.
 constexpr const char* kDryRunEnds = "Nothing was done: this is a dry run.\n";
+
+/// Writes the plan to standard output. @throws ProviderError if it can't be
+void showPlan(const AdapterSession& session, const std::string& plan);
+
+/// Writes the result to standard output, or where that can't be, to standard error.
+void tellResult(AdapterSession& session, const std::string& result);
 
 /// Tells the operator something on standard error, quiet or not.
 void tellError(AdapterSession& session, const std::string& sentence);

@@ -22,7 +22,6 @@ namespace {
 constexpr const char* kNoSystemLog = "KVL_SYSTEM_LOG=no";
 
 constexpr unsigned short kTerminalWidth = 200;
-constexpr cc_t kEndOfFile = 4;  // Ctrl-D
 
 constexpr cc_t kControlC = '\x03';
 constexpr cc_t kControlD = 4;

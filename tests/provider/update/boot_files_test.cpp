@@ -611,6 +611,14 @@ TEST(Rebuild, TrustsAnImageThatWasMadeByHandBehindABrokenOffOne) {
     EXPECT_EQ("", outcome.errors);
 }
 
+TEST(Rebuild, TrustsAnImageThatWasMadeByHandBesideTheFormerOne) {
+    const Outcome outcome = onServer(
+        "dracut_fault full; kvl boot-files --rebuild-initramfs >/dev/null 2>&1; mended\n"
+        "echo 'made by hand' >$image; kvl boot-files --rebuild-initramfs --quiet >/dev/null; images; notes");
+    EXPECT_EQ(std::string(kBuilt) + "made by hand\n", outcome.output);
+    EXPECT_EQ("", outcome.errors);
+}
+
 TEST(Rebuild, PutsAFormerImageBackWhereThePresentOneIsMissing) {
     const Outcome outcome =
         onServer("mv $image $image.org; kvl boot-files --rebuild-initramfs --quiet | tail -n 4; images");
@@ -622,6 +630,7 @@ TEST(Rebuild, PutsAFormerImageBackWhereThePresentOneIsMissing) {
 TEST(Rebuild, CountsTheRoomThatAHalfImageTakes) {
     const Outcome outcome = onServer(
         "dracut_fault full; kvl boot-files --rebuild-initramfs >/dev/null 2>&1; mended\n"
+        "sed -i 2d $tree/temp/initramfs-*.txt  # as if it had been killed\n"
         "/bin/busybox truncate -s 1125899906842624 $image; boot_files --rebuild-initramfs --quiet 2>/dev/null | tail "
         "-n 1; "
         "images");

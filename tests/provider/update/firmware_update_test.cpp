@@ -196,22 +196,27 @@ TEST(FirmwareUpdate, LeavesOtherPortsAsTheyAre) {
 
 TEST(FirmwareUpdate, IsSkippedForAFunctionThatFunctionZeroBringsAlong) {
     const Outcome outcome = updateOnServer(
-        "firmware 02:00.1 OCe11102; firmware 06:00.3 OCl14104 --dry-run; firmware 0a:00.1 fcelx_16g --family fc\n"
+        "firmware 02:00.1 OCe11102; firmware 06:00.3 OCl14104 --dry-run; firmware 15:00.1 fcelx_16g --family fc\n"
         "cat /.machine/log; ls $tree; ended");
     EXPECT_EQ(
         "ended with 3\nended with 3\nended with 3\n"
-        "cache\ntemp\n"
+        "/usr/sbin/ocmanager/hbacmd listhbas\n/usr/sbin/ocmanager/hbacmd listhbas\n"
+        "/usr/sbin/ocmanager/hbacmd listhbas\ncache\ntemp\n"
         "[cna] MSGID_KVL_UPDATE_SKIPPED_I: The update of the firmware of 02:00.1 was skipped: function 1 of an "
         "OCe11102 is updated through function 0\n"
-        "[fc] MSGID_KVL_UPDATE_SKIPPED_I: The update of the firmware of 0a:00.1 was skipped: function 1 of an "
+        "[fc] MSGID_KVL_UPDATE_SKIPPED_I: The update of the firmware of 15:00.1 was skipped: function 1 of an "
         "fcelx_16g is updated through function 0\n",
         outcome.output);
     EXPECT_EQ(
         "kvl: skipped: function 1 of an OCe11102 is updated through function 0\n"
         "kvl: skipped: function 3 of an OCl14104 is updated through function 0\n"
-        "kvl: skipped: function 1 of an fcelx_16g is updated through function 0\n"
-        "cat: can't open '/.machine/log': No such file or directory\n",
+        "kvl: skipped: function 1 of an fcelx_16g is updated through function 0\n",
         outcome.errors);
+}
+
+TEST(FirmwareUpdate, IsNotSkippedForAnAdapterOrAModuleThatIsNotThere) {
+    const Outcome outcome = updateOnServer("firmware 09:00.1 OCe11102; firmware 02:00.1 OCe11102-no-archive");
+    EXPECT_EQ("ended with 1\nended with 1\n", outcome.output);
 }
 
 TEST(FirmwareUpdate, TakesTheFamilyThatItIsTold) {

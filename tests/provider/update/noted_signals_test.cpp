@@ -96,6 +96,7 @@ TEST(NotedSignals, LeaveTheMaskAndTheDispositionsAsTheyWere) {
         return action.sa_handler;
     };
     EXPECT_EQ(SIG_IGN, dispositionOf(SIGHUP));
+    signal(SIGHUP, SIG_DFL);
     for (const int number : {SIGPIPE, SIGINT, SIGQUIT, SIGTERM, SIGTSTP, SIGTTIN, SIGTTOU}) {
         EXPECT_EQ(SIG_DFL, dispositionOf(number)) << number;
     }

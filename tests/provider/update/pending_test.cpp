@@ -173,4 +173,11 @@ TEST(Pending, TakesTurnsWithOtherRunsWhereItChangesSomething) {
     EXPECT_EQ("3\n3\nnothing is pending\n0\n", outcome.output);
 }
 
+TEST(Pending, StaysMarkedWhereTheAnswerCantBePrinted) {
+    const Outcome outcome = runOnServer(
+        "kvl pending --add nic --add iscsi >/dev/null; kvl pending --take >/dev/full; echo $?; kvl pending");
+    EXPECT_EQ("3\nNIC\niSCSI\n", outcome.output);
+    EXPECT_EQ("kvl: the answer could not be written to standard output\n", outcome.errors);
+}
+
 }  // namespace

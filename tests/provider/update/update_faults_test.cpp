@@ -606,6 +606,10 @@ TEST_P(SignalDuringAnUpdate, IsNotedAndTheUpdateGoesOnToItsEnd) {
                   "[5/5] removing /opt/tarvenn/kvl/tmp/EMULEX/temp/CNA/unpacked\n4.9.416.0 4.6.247.5\n"
                   "[cna] MSGID_KVL_UPDATE_BEGUN_I: The update of the firmware of 02:00.0 begins: OCe11102 from "
                   "/modules/OCe11102/module.zip\n"
+                  "[cna] MSGID_KVL_UPDATE_SIGNAL_I: The update of the firmware of 02:00.0 goes on to its end in spite "
+                  "of a signal: " +
+                  GetParam().title +
+                  "\n"
                   "[cna] MSGID_KVL_UPDATE_DONE_I: The update of the firmware of 02:00.0 is done: firmware 4.6.247.5 -> "
                   "4.9.416.0\n",
               updated.output);
@@ -633,6 +637,51 @@ TEST(SignalDuringAnUpdate, OfTheToolIsNotedToo) {
         "[3/5] finding the scripts\n[4/5] removing the installed tool with uninstall.sh\n"
         "[5/5] installing the new tool with install.sh -q\n",
         outcome.output);
+}
+
+// ---- What is given or printed to the wrong place ----
+
+TEST(ModuleThatWouldBeDeleted, IsRefused) {
+    const Outcome outcome = updateOnServer(
+        "mkdir -m 700 /root/s; cp -r /modules/OCe11102 /root/s/kvl-update\n"
+        "run kvl update firmware 02:00.0 --module /root/s/kvl-update --scratch /root/s --unique-name OCe11102 --yes\n"
+        "mkdir -p $tree/temp/tmp; cp -r /modules/tool $tree/temp/tmp/inner; ln -s $tree/temp/tmp/inner /root/link\n"
+        "run kvl update tool --module /root/link --yes; ls /root/s/kvl-update $tree/temp/tmp/inner");
+    EXPECT_EQ(
+        "ended with 1\nended with 1\n/opt/tarvenn/kvl/tmp/EMULEX/temp/tmp/inner:\nmodule.zip\n\n"
+        "/root/s/kvl-update:\nmodule.zip\n",
+        outcome.output);
+    EXPECT_EQ(
+        "kvl: /root/s/kvl-update lies in /root/s/kvl-update, which is deleted first: move the module elsewhere\n"
+        "kvl: /root/link lies in /opt/tarvenn/kvl/tmp/EMULEX/temp/tmp, which is deleted first: move the module "
+        "elsewhere\n",
+        outcome.errors);
+}
+
+TEST(PlanThatCantBeShown, KeepsAnUpdateFromBeginning) {
+    const Outcome outcome = updateOnServer(
+        "for command in 'firmware 02:00.0 --unique-name OCe11102 --module /modules/OCe11102' "
+        "'tool --module /modules/tool'; do kvl update $command --yes >/dev/full; echo $?; done; versions 01");
+    EXPECT_EQ("1\n1\n4.6.247.5 4.6.247.5\n", outcome.output);
+    EXPECT_EQ(
+        "kvl: the plan could not be written to standard output\n"
+        "kvl: the plan could not be written to standard output\n",
+        outcome.errors);
+}
+
+TEST(ResultThatCantBePrinted, IsToldOnStandardError) {
+    const Outcome outcome = updateOnServer(
+        "{ kvl update firmware 02:00.0 --module /modules/OCe11102 --unique-name OCe11102 --yes --quiet; echo $? "
+        ">/tmp/status; } | head -n 1; cat /tmp/status");
+    EXPECT_EQ("Update with OCe11102\n0\n", outcome.output);
+    EXPECT_EQ("kvl: this could not be written to standard output: Updated 02:00.0: firmware 4.6.247.5 -> 4.9.416.0\n",
+              outcome.errors);
+}
+
+TEST(ToolThatIsNotInstalled, IsSaidToBeMissingAsBefore) {
+    const Outcome outcome = updateOnServer("remove_tool; tool_update tool-failing-uninstall --quiet | tail -n 1");
+    EXPECT_EQ("ended with 1\n", outcome.output);
+    EXPECT_THAT(outcome.errors, testing::EndsWith("kvl: no tool is installed, as before\n"));
 }
 
 TEST(SignalBeforeAnUpdate, EndsItWithNothingChanged) {
