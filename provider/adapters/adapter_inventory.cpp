@@ -20,7 +20,6 @@ namespace {
 using Record = AdapterRecord;
 using Records = std::vector<Record>;
 
-constexpr const char* kAddressCharacters = "0123456789ABCDEFabcdef:-";
 constexpr const char* kListArguments = " listhbas";
 constexpr const char* kNameKey = "Port WWN";
 constexpr const char* kMacKey = "Permanent MAC";
@@ -273,7 +272,7 @@ Record AdapterInventory::find(const std::string& device, const std::string& fami
 void AdapterInventory::checkAddress(const std::string& device, const std::string& family) const {
     const Record record = find(device, family);
     const std::string address = valueOf(record, hasWorldWideName(record) ? kNameKey : kMacKey);
-    if (address.empty() || address.find_first_not_of(kAddressCharacters) != std::string::npos) {
+    if (address.empty() || !isPlainAddress(address)) {
         throw AdapterFailure(formFailure("hbacmd's list tells no proper address of " + device));
     }
 }

@@ -17,7 +17,6 @@ namespace kvl::provider {
 namespace {
 
 constexpr mode_t kOthersWrite = 022;
-constexpr const char* kPlainCharacters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._+-";
 
 [[noreturn]] void refuse(const std::string& directory, const std::string& why) {
     throw ProviderError(kNothingCollected, "the adapters' directory " + directory + " " + why);
@@ -75,7 +74,7 @@ bool isCached(const std::string& device, const std::string& family) {
 
 void needAdapterTree() {
     const std::string tree = adapterTree();
-    if (tree.find_first_not_of(kPlainCharacters) != std::string::npos) {
+    if (!isPlainPath(tree)) {
         refuse(tree, "holds characters that a shell would not take as they are: choose another install directory");
     }
     makeParents(tree);

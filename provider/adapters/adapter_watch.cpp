@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "provider/adapters/trace_text.h"
+
 namespace kvl::provider {
 namespace {
 
@@ -13,10 +15,6 @@ constexpr std::string_view kFailureBegins = "static int CEmulexCommon::ExecComma
 constexpr std::string_view kLeaves = "[LEAVE] static int CEmulexCommon::ExecCommand_(std::string, std::string), rc=";
 constexpr std::string_view kRedirection = " > ";
 constexpr int kSignalBits = 0x7f;
-
-bool beginsWith(std::string_view text, std::string_view beginning) {
-    return text.compare(0, beginning.size(), beginning) == 0;
-}
 
 std::string outcomeOf(int result) {
     if (result == 0) {

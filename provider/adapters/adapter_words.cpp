@@ -102,6 +102,15 @@ void addKindOf(CLI::App& command, const Kinds& kinds, const ModuleKind*& kind) {
 
 }  // namespace
 
+bool isPlainPath(const std::string& path) {
+    return path.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._+-") ==
+           std::string::npos;
+}
+
+bool isPlainAddress(const std::string& address) {
+    return address.find_first_not_of("0123456789ABCDEFabcdef:-") == std::string::npos;
+}
+
 const ModuleKind& moduleKind(EMULEX_MODULE_KIND value) {
     const auto* found = std::find_if(std::begin(kModuleKinds), std::end(kModuleKinds),
                                      [value](const ModuleKind& kind) { return kind.value == value; });

@@ -34,6 +34,12 @@ constexpr ModuleKind kModuleKinds[] = {
     {"tool", "TOOL", EMULEX_MODULE_OCM},
 };
 
+/// @return true for a path that a shell takes as it is, in quotes or without: letters, digits and "/._+-"
+bool isPlainPath(const std::string& path);
+
+/// @return true for a port's WWN or MAC as the tool spells them, which a shell takes as they are
+bool isPlainAddress(const std::string& address);
+
 /// @return the row of a kind that is in the table
 const ModuleKind& moduleKind(EMULEX_MODULE_KIND value);
 

@@ -15,7 +15,6 @@
 #include "provider/update/needs.h"
 #include "provider/update/noted_signals.h"
 #include "provider/update/override_files.h"
-#include "provider/update/plain_words.h"
 #include "provider/update/ram_disk_image.h"
 #include "provider/update/update_commands.h"
 #include "provider/update/update_run.h"
@@ -39,7 +38,7 @@ constexpr const char* kBootDirectory = "/boot";
 constexpr const char* kRebuiltRelease = "release 6";
 
 struct BootFilesOptions {
-    std::array<bool, kOverrideFiles.size()> isOverridden{};  ///< in the order of the files
+    std::array<bool, kDriverOverrides.size()> isOverridden{};  ///< in the order of the files
     bool rebuilds = false;
     bool restores = false;
     std::string tree;  ///< the working tree of the update itself, which isn't that of a dry run
@@ -82,7 +81,7 @@ private:
 
     const BootFilesOptions& options_;
     AdapterSession& session_;
-    OverrideFiles files_;
+    std::vector<const DriverOverride*> files_;
     std::string kernel_;
     std::optional<RamDiskImage> image_;  // none where it isn't rebuilt
     std::string skipped_;                // why it isn't, although that was asked for
@@ -91,9 +90,9 @@ private:
 
 BootFilesUpdate::BootFilesUpdate(const BootFilesOptions& options, AdapterSession& session)
     : options_(options), session_(session) {
-    for (std::size_t row = 0; row < kOverrideFiles.size(); ++row) {
+    for (std::size_t row = 0; row < kDriverOverrides.size(); ++row) {
         if (options.isOverridden[row]) {
-            files_.push_back(&kOverrideFiles[row]);
+            files_.push_back(&kDriverOverrides[row]);
         }
     }
 }
@@ -136,7 +135,7 @@ void BootFilesUpdate::lookAtOverrides() const {
                                                  ": see whether this system's depmod reads one, and make it");
     }
     needRoom(kDepmodDirectory, 0);
-    for (const OverrideFile* file : files_) {
+    for (const DriverOverride* file : files_) {
         needOverrideFile(*file);
     }
 }
@@ -175,7 +174,7 @@ std::string BootFilesUpdate::plan() const {
 }
 
 void BootFilesUpdate::planOverrides(std::vector<std::string>& steps) const {
-    for (const OverrideFile* file : files_) {
+    for (const DriverOverride* file : files_) {
         const std::vector<std::string> missing = missingLines(*file);
         steps.push_back(missing.empty()
                             ? "leave " + std::string(file->path) + " as it is: it holds the lines of " + file->driver
@@ -206,7 +205,7 @@ void BootFilesUpdate::planRebuild(std::vector<std::string>& facts, std::vector<s
 
 std::string BootFilesUpdate::subject() const {
     std::vector<std::string> parts;
-    for (const OverrideFile* file : files_) {
+    for (const DriverOverride* file : files_) {
         parts.push_back(std::string("overrides of ") + file->driver);
     }
     if (image_) {
@@ -251,7 +250,7 @@ UpdateEnding BootFilesUpdate::change(const NotedSignals& signals) {
 /// The size of what the files hold, and how many there are: grows with whatever is added.
 std::uint64_t BootFilesUpdate::footprint() const {
     std::uint64_t sum = 0;
-    for (const OverrideFile* file : files_) {
+    for (const DriverOverride* file : files_) {
         struct stat status {};
         sum += stat(file->path, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) + 1 : 0;
     }
@@ -279,7 +278,7 @@ UpdateEnding BootFilesUpdate::addOverrides() {
 /// What is wrong behind the library's call, whose answer doesn't tell a full disk.
 std::string BootFilesUpdate::overrideTrouble(const BootProcedure& procedure) const {
     std::string trouble;
-    for (const OverrideFile* file : files_) {
+    for (const DriverOverride* file : files_) {
         const std::vector<std::string> missing = missingLines(*file);
         const std::string path = file->path;
         if (!missing.empty()) {
@@ -361,12 +360,12 @@ int updateBootFiles(BootFilesOptions& options) {
 void addOverrides(CLI::App& command, BootFilesOptions& options) {
     const auto take = [&options](const std::vector<std::string>& names) {
         for (const std::string& name : names) {
-            const auto* file = std::find_if(kOverrideFiles.begin(), kOverrideFiles.end(),
-                                            [&](const OverrideFile& row) { return row.driver == name; });
-            if (file == kOverrideFiles.end()) {
+            const auto* file = std::find_if(kDriverOverrides.begin(), kDriverOverrides.end(),
+                                            [&](const DriverOverride& row) { return row.driver == name; });
+            if (file == kDriverOverrides.end()) {
                 throw CLI::ValidationError("--override: '" + name + "' is none of be2net,lpfc,be2iscsi");
             }
-            options.isOverridden[static_cast<std::size_t>(file - kOverrideFiles.begin())] = true;
+            options.isOverridden[static_cast<std::size_t>(file - kDriverOverrides.begin())] = true;
         }
     };
     command

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "provider/adapters/trace_text.h"
 #include "provider/output/text_block.h"
 
 namespace kvl::provider {
@@ -28,10 +29,6 @@ constexpr std::array<Command, 3> kCommands = {{
 
 constexpr std::string_view kUnopenedBegins = "Failed to open file(";
 constexpr std::string_view kUnopenedEnds = ").";
-
-bool beginsWith(std::string_view text, std::string_view beginning) {
-    return text.substr(0, beginning.size()) == beginning;
-}
 
 constexpr const char* kNotRun = "could not be run, or a signal ended it";
 constexpr int kShellsSignal = 128;  // and the signal: how a shell tells that one ended its command

@@ -2,14 +2,13 @@
 
 #include "adapter/CEmulexCommon.h"
 #include "foundation/CCommon_Information.h"
+#include "provider/adapters/adapter_words.h"
 #include "provider/output/text_block.h"
 #include "provider/update/needs.h"
-#include "provider/update/plain_words.h"
 
 namespace kvl::provider {
 namespace {
 
-constexpr const char* kAddressCharacters = "0123456789ABCDEFabcdef:-";
 constexpr const char* kMessageFile = "message.txt";
 constexpr const char* kOwnScratch = "/kvl-update";
 
@@ -38,7 +37,7 @@ std::string addressFor(const UpdateFamily& family, const AdapterInventory::Recor
     if (found == record.end() || found->second.empty()) {
         refuse(kNoAddress, "hbacmd's list has no '" + std::string(family.addressKey) + "' of it");
     }
-    if (found->second.find_first_not_of(kAddressCharacters) != std::string::npos) {
+    if (!isPlainAddress(found->second)) {
         throw AdapterFailure(formFailure("hbacmd's list tells no proper '" + std::string(family.addressKey) + "'"));
     }
     return found->second;

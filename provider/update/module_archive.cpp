@@ -11,8 +11,8 @@
 
 #include "adapter/error_codes.h"
 #include "provider/adapters/adapter_failure.h"
+#include "provider/adapters/adapter_words.h"
 #include "provider/output/text_block.h"
-#include "provider/update/plain_words.h"
 
 namespace kvl::provider {
 namespace {

@@ -42,7 +42,7 @@ void needAccess(const char* path) {
 
 }  // namespace
 
-std::vector<std::string> missingLines(const OverrideFile& file) {
+std::vector<std::string> missingLines(const DriverOverride& file) {
     const std::vector<std::string> present = linesIn(file.path);
     std::vector<std::string> missing;
     for (const char* line : file.lines) {
@@ -53,7 +53,7 @@ std::vector<std::string> missingLines(const OverrideFile& file) {
     return missing;
 }
 
-void needOverrideFile(const OverrideFile& file) {
+void needOverrideFile(const DriverOverride& file) {
     needAccess(file.path);
     const std::vector<std::string> missing = missingLines(file);
     if (missing.empty()) {

@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "adapter/CEmulexCommon.h"
+#include "adapter/update_marks.h"
 #include "provider/adapters/adapter_answer.h"
 #include "provider/adapters/adapter_session.h"
 #include "provider/adapters/adapter_tree.h"
@@ -35,11 +36,13 @@ constexpr const char* kExamples =
 /// A kind of update that can be marked.
 struct Kind {
     const char* word;  ///< on the command line
-    const char* text;  ///< as the library hands it back
-    int number;
+    int number;        ///< for the library
+
+    const UpdateMark& mark() const { return kUpdateMarks[static_cast<std::size_t>(number) - 1]; }
+    const char* text() const { return mark().text; }
 };
 
-constexpr std::array<Kind, 3> kKinds = {{{"nic", "NIC", 1}, {"fcoe", "FCoE", 2}, {"iscsi", "iSCSI", 3}}};
+constexpr std::array<Kind, kUpdateMarks.size()> kKinds = {{{"nic", 1}, {"fcoe", 2}, {"iscsi", 3}}};
 
 using Kinds = std::vector<const Kind*>;
 
@@ -55,7 +58,7 @@ std::string markDirectory() {
 }
 
 std::string markFile(const Kind& kind) {
-    return markDirectory() + "/SequentialUpdateFile_" + kind.text + ".txt";
+    return adapterTree() + "/" + kind.mark().file;
 }
 
 /// @throws AdapterFailure if the mark is there, and can't be read, since the library would pass over it
@@ -69,7 +72,7 @@ bool isMarked(const Kind& kind) {
     }
     Failure failure = failureOf(kFileNotOpened);
     failure.meaning =
-        path + " can't be read, so whether " + kind.text + " is pending can't be told: " + std::strerror(errno);
+        path + " can't be read, so whether " + kind.text() + " is pending can't be told: " + std::strerror(errno);
     failure.next = "run this as the user whose file it is, or mend the file";
     throw AdapterFailure(failure);
 }
@@ -87,7 +90,7 @@ Kinds markedKinds() {
 std::vector<std::string> texts(const Kinds& kinds) {
     std::vector<std::string> list;
     for (const Kind* kind : kinds) {
-        list.emplace_back(kind->text);
+        list.emplace_back(kind->text());
     }
     return list;
 }
@@ -113,7 +116,7 @@ void mark(const Kind& kind) {
     CEmulexCommon::SetLastError(0);
     if (!CEmulexCommon::SequentialUpadateFileWrite(kind.number, "", "", kCna)) {
         Failure failure = lastFailure();
-        failure.meaning = kind.text + std::string(" is not marked: ") + markFile(kind) + " can't be written";
+        failure.meaning = kind.text() + std::string(" is not marked: ") + markFile(kind) + " can't be written";
         failure.next =
             "see whether the file and its directory can be written, and whether the disk has room; 'kvl "
             "pending' lists what is marked";
@@ -205,7 +208,7 @@ int takeAndPrint(const PendingOptions& options) {
         return printAnswer(options.format, [&] { return take(options, taken); });
     } catch (const ProviderError&) {
         for (const Kind& kind : kKinds) {
-            if (std::find(taken.kinds.begin(), taken.kinds.end(), kind.text) != taken.kinds.end()) {
+            if (std::find(taken.kinds.begin(), taken.kinds.end(), kind.text()) != taken.kinds.end()) {
                 mark(kind);
             }
         }

@@ -4,12 +4,11 @@
 #include <filesystem>
 
 #include "adapter/update_families.h"
+#include "provider/adapters/adapter_words.h"
 #include "provider/output/text_block.h"
 
 namespace kvl::provider {
 namespace {
-
-constexpr const char* kPlainCharacters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._+-";
 
 std::string plainDirectory(const std::string& option, const std::string& given) {
     const std::string path = given.empty() ? "" : std::filesystem::absolute(given).lexically_normal().string();
@@ -37,10 +36,6 @@ std::string familyNames() {
 }
 
 }  // namespace
-
-bool isPlainPath(const std::string& path) {
-    return path.find_first_not_of(kPlainCharacters) == std::string::npos;
-}
 
 void addModule(CLI::App& command, std::string& directory) {
     addDirectory(command, "--module", directory, "Directory of the update module, which holds its .zip", true);

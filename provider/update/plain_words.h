@@ -13,9 +13,6 @@ namespace kvl::provider {
 /// The words of the update commands that end up in command lines of a shell. Each is checked against its form when the
 /// command line is read; anything else is wrong usage.
 
-/// @return true for a path that a shell takes as it is, in quotes or without: letters, digits and "/._+-"
-bool isPlainPath(const std::string& path);
-
 /// Adds --module, the directory of an update module, which must be given.
 /// @param directory  receives the absolute path
 void addModule(CLI::App& command, std::string& directory);

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "adapter/CEmulexCommon.h"
+#include "provider/adapters/trace_text.h"
 #include "provider/output/text_block.h"
 
 namespace kvl::provider {
@@ -38,10 +39,6 @@ constexpr std::array<Cause, 13> kCauses = {{
     {"Failed to get os architecture.", "what kind of machine this is can't be told"},
     {"Failed to find update module.There is not ufi file.", "no install.sh was unpacked to follow it"},
 }};
-
-bool beginsWith(std::string_view text, std::string_view beginning) {
-    return text.substr(0, beginning.size()) == beginning;
-}
 
 /// The last line of a file with something on it; of a long one the end.
 std::string lastWordsIn(const std::string& path) {

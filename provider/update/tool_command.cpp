@@ -1,12 +1,12 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <memory>
 
 #include "adapter/CEmulexCommon.h"
+#include "adapter/module_directories.h"
 #include "foundation/CCommon_Information.h"
 #include "host/CFileUtility.h"
 #include "provider/adapters/adapter_inventory.h"
@@ -35,18 +35,6 @@ constexpr const char* kExamples =
 
 constexpr std::size_t kInstallStep = 4;
 
-/// The directory of a module for a machine.
-struct MachineDirectory {
-    const char* machine;
-    const char* directory;
-};
-
-constexpr std::array<MachineDirectory, 3> kMachineDirectories = {{
-    {"i386", "x86"},
-    {"i686", "x86"},
-    {"x86_64", "x64"},
-}};
-
 struct ToolOptions {
     std::string moduleDirectory;
     std::string family = kCna;
@@ -62,10 +50,8 @@ struct ToolOptions {
 
 std::string machineDirectory() {
     const std::string machine = CCommon_Information::GetArchitectureInfo(kCna);
-    for (const MachineDirectory& row : kMachineDirectories) {
-        if (machine.find(row.machine) != std::string::npos) {
-            return row.directory;
-        }
+    if (const char* directory = findModuleDirectory(machine)) {
+        return directory;
     }
     throw ProviderError(kNothingChanged, "modules are for x86 and x86_64 alone, and this machine is '" +
                                              printable(machine) + "', as 'uname -m' tells");

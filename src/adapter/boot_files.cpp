@@ -5,6 +5,7 @@
 
 #include "adapter/CEmulexCommon.h"
 #include "adapter/adapter_trace.h"
+#include "adapter/driver_overrides.h"
 #include "adapter/update_failure.h"
 #include "foundation/CCommon_Information.h"
 #include "foundation/boundary_trace.h"
@@ -12,26 +13,9 @@
 #include "foundation/text.h"
 
 using kvl::AdapterTrace;
+using kvl::DriverOverride;
 
 namespace {
-
-/// The configuration file by which `depmod` prefers a driver's newer modules.
-struct Override {
-    const char* path;
-    const char* search;  ///< A file that holds this anywhere is taken to have its lines.
-    const char* updates;
-    const char* plain;
-};
-
-// kept: the modules of one driver lie in a directory of another name, and the newer ones come first.
-constexpr std::array<Override, 3> kOverrides = {{
-    {"/etc/depmod.d/elxbe2net.conf", "override be2net", "override be2net * weak-updates/updates/be2net",
-     "override be2net * weak-updates/be2net"},
-    {"/etc/depmod.d/elxlpfc.conf", "override lpfc", "override lpfc * weak-updates/updates/elx-lpfc",
-     "override lpfc * weak-updates/elx-lpfc"},
-    {"/etc/depmod.d/elxbe2iscsi.conf", "override be2iscsi", "override be2iscsi * weak-updates/updates/be2iscsi",
-     "override be2iscsi * weak-updates/be2iscsi"},
-}};
 
 constexpr const char* kDepmodCommand = "depmod -a";
 
@@ -59,7 +43,7 @@ bool holdsLine(const char* path, const char* text) {
 }
 
 /// @return false if the lines are missing and the file can't be opened
-bool addOverride(const Override& row, const AdapterTrace& trace) {
+bool addOverride(const DriverOverride& row, const AdapterTrace& trace) {
     if (holdsLine(row.path, row.search)) {
         return true;
     }
@@ -67,7 +51,7 @@ bool addOverride(const Override& row, const AdapterTrace& trace) {
     if (!file.is_open()) {
         return kvl::failToOpen(row.path, trace);
     }
-    file << '\n' << row.updates << '\n' << row.plain << '\n';
+    file << '\n' << row.lines[0] << '\n' << row.lines[1] << '\n';
     return true;
 }
 
@@ -100,13 +84,13 @@ bool CEmulexCommon::DepmodExecute(bool be2netOverride, bool lpfcOverride, bool b
                                   std::string moduleName) {
     const kvl::BoundaryTrace boundaries(moduleName, "CEmulexCommon::DepmodExecute()");
     const AdapterTrace trace(moduleName);
-    const std::array<bool, kOverrides.size()> isWanted = {be2netOverride, lpfcOverride, be2iscsiOverride};
+    const std::array<bool, kvl::kDriverOverrides.size()> isWanted = {be2netOverride, lpfcOverride, be2iscsiOverride};
     bool anyWanted = false;
     bool areAdded = true;
-    for (std::size_t row = 0; row < kOverrides.size(); ++row) {
+    for (std::size_t row = 0; row < kvl::kDriverOverrides.size(); ++row) {
         if (isWanted[row]) {
             anyWanted = true;
-            areAdded = addOverride(kOverrides[row], trace) && areAdded;
+            areAdded = addOverride(kvl::kDriverOverrides[row], trace) && areAdded;
         }
     }
     return !anyWanted || (runDepmod(trace) && areAdded);

@@ -1,62 +1,23 @@
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <fstream>
 #include <string>
 
 #include "adapter/CEmulexCommon.h"
 #include "adapter/adapter_trace.h"
+#include "adapter/silent_settings.h"
 #include "adapter/update_failure.h"
 #include "adapter/working_tree.h"
 #include "foundation/operation_trace.h"
 #include "foundation/text.h"
 
 using kvl::AdapterTrace;
+using kvl::Setting;
+using kvl::SettingsFile;
 
 namespace {
 
-/// A setting that a silent install leaves.
-struct Setting {
-    const char* key;
-    const char* line;
-};
-
-constexpr std::array<Setting, 4> kDiscoverySettings = {{
-    {"ClientRemoteOperation", "ClientRemoteOperation:disabled"},
-    {"ClientOperationMode", "ClientOperationMode:enabled"},
-    {"ClientReadOnlyOperation", "ClientReadOnlyOperation:disabled"},
-    {"TcpSocketPortNumber", "TcpSocketPortNumber:23333"},
-}};
-
-constexpr std::array<Setting, 5> kManagementSettings = {{
-    {"ServerRemoteOperation", "ServerRemoteOperation:enabled"},
-    {"ManagementHost", "ManagementHost:false"},
-    {"SecureManagement", "SecureManagement:disabled"},
-    {"MngmtHostIpAddress", "MngmtHostIpAddress:0"},
-    {"ExclusiveHostMgmnt", "ExclusiveHostMgmnt:false"},
-}};
-
 constexpr const char* kSignature = "static bool CEmulexCommon::OCMInstallCheck(std::string, std::string, std::string)";
-
-/// A configuration file of the management tool.
-struct ConfigurationFile {
-    const char* path;
-    const char* name;  ///< What its trace lines begin with.
-    const Setting* first;
-    std::size_t count;
-    const char* failure;
-
-    const Setting* begin() const { return first; }
-    const Setting* end() const { return first + count; }
-};
-
-// kept: the first failure's text has a bracket of its own.
-constexpr std::array<ConfigurationFile, 2> kConfigurationFiles = {{
-    {"/etc/emulexDiscConfig", "emulexDiscConfig", kDiscoverySettings.data(), kDiscoverySettings.size(),
-     "0 < iDiskKeyWordCount ) || ( iRet != true )"},
-    {"/etc/emulexRMConfig", "emulexRMConfig", kManagementSettings.data(), kManagementSettings.size(),
-     "( 0 < iRmKeyWordCount ) || ( iRet != true )"},
-}};
 
 /// How one setting is traced where it is found.
 struct FindingTrace {
@@ -67,7 +28,7 @@ struct FindingTrace {
 
 // kept: one setting is traced by its key, and with two blanks where it is wrong.
 FindingTrace findingTrace(const Setting& setting, const std::string& line) {
-    if (&setting == kDiscoverySettings.data()) {
+    if (&setting == kvl::kDiscoverySettings.data()) {
         return {"silent [%s]", "not silent  [%s]", setting.key};
     }
     return {"silent [%s]", "not silent [%s]", line};
@@ -84,8 +45,7 @@ std::string withoutBlanks(std::string line, const std::string& traceFormat, cons
 /// Compares a line with each setting whose key it holds.
 /// @param outstanding  counted down for each that is right
 /// @return false at the first that isn't
-bool checkLine(const std::string& line, const ConfigurationFile& file, std::size_t& outstanding,
-               const AdapterTrace& trace) {
+bool checkLine(const std::string& line, const SettingsFile& file, std::size_t& outstanding, const AdapterTrace& trace) {
     for (const Setting& setting : file) {
         if (!kvl::holds(line, setting.key)) {
             continue;
@@ -104,7 +64,7 @@ bool checkLine(const std::string& line, const ConfigurationFile& file, std::size
 
 /// Reads a file up to the last line that was outstanding, or to the first wrong one.
 /// @return true if as many lines were right as there are settings, one that occurs twice counted twice
-bool isSilent(std::ifstream& lines, const ConfigurationFile& file, const AdapterTrace& trace) {
+bool isSilent(std::ifstream& lines, const SettingsFile& file, const AdapterTrace& trace) {
     const std::string read = std::string(file.name) + ":[%s]";
     const std::string blankDeleted = std::string(file.name) + " space delete:[%s]";
     std::size_t outstanding = file.count;
@@ -118,7 +78,7 @@ bool isSilent(std::ifstream& lines, const ConfigurationFile& file, const Adapter
     return outstanding == 0;
 }
 
-bool checkConfiguration(const ConfigurationFile& file, const AdapterTrace& trace) {
+bool checkConfiguration(const SettingsFile& file, const AdapterTrace& trace) {
     std::ifstream lines(file.path);
     if (!lines.is_open()) {
         return kvl::failToOpen(file.path, trace);
@@ -165,8 +125,8 @@ bool CEmulexCommon::OCMInstallCheck(std::string /*unused*/, std::string ModuleKi
     operation.leave();
     trace.boundary("ARG Check ModuleKind=%s", ModuleKind);
     const bool isSilentInstall =
-        std::all_of(kConfigurationFiles.begin(), kConfigurationFiles.end(),
-                    [&trace](const ConfigurationFile& file) { return checkConfiguration(file, trace); }) &&
+        std::all_of(kvl::kSettingsFiles.begin(), kvl::kSettingsFiles.end(),
+                    [&trace](const SettingsFile& file) { return checkConfiguration(file, trace); }) &&
         isPackageMissing(trace);
     trace.flow("CEmulexCommon::OCMInstallCheck() [END]");  // kept: no boundary line
     return isSilentInstall;

@@ -1,36 +1,23 @@
 #include <sys/stat.h>
 
-#include <array>
 #include <cstdlib>
 #include <string>
 
 #include "adapter/CEmulexCommon.h"
 #include "adapter/adapter_trace.h"
 #include "adapter/error_codes.h"
+#include "adapter/module_directories.h"
 #include "adapter/result_mode.h"
 #include "adapter/update_failure.h"
 #include "adapter/working_tree.h"
 #include "foundation/CCommon_Information.h"
 #include "foundation/CUnzip_Utility.h"
 #include "foundation/boundary_trace.h"
-#include "foundation/text.h"
 #include "host/CFileUtility.h"
 
 using kvl::AdapterTrace;
 
 namespace {
-
-/// The directory of a module that holds the scripts for a machine.
-struct ArchitectureDirectory {
-    const char* machine;
-    const char* directory;
-};
-
-constexpr std::array<ArchitectureDirectory, 3> kArchitectureDirectories = {{
-    {"i386", "x86"},
-    {"i686", "x86"},
-    {"x86_64", "x64"},
-}};
 
 /// A script of the module, and how the search for it fails.
 struct Script {
@@ -83,14 +70,11 @@ bool unpack(const std::string& moduleDir, std::list<std::string>* moduleFiles, c
 
 /// @return the name of the directory for this machine, null if there is none for it
 const char* directoryOfMachine(const std::string& moduleName, const AdapterTrace& trace) {
-    const std::string machine = CCommon_Information::GetArchitectureInfo(moduleName);
-    for (const ArchitectureDirectory& row : kArchitectureDirectories) {
-        if (kvl::holds(machine, row.machine)) {
-            return row.directory;
-        }
+    const char* const directory = kvl::findModuleDirectory(CCommon_Information::GetArchitectureInfo(moduleName));
+    if (directory == nullptr) {
+        trace.error("Failed to get os architecture.");
     }
-    trace.error("Failed to get os architecture.");
-    return nullptr;
+    return directory;
 }
 
 /// @return the script's name; empty if the directory doesn't hold exactly one

@@ -1,4 +1,3 @@
-#include <array>
 #include <fstream>
 #include <string>
 
@@ -6,25 +5,16 @@
 #include "adapter/adapter_trace.h"
 #include "adapter/error_codes.h"
 #include "adapter/update_failure.h"
+#include "adapter/update_marks.h"
 #include "adapter/working_tree.h"
 #include "foundation/CCommon_Information.h"
 #include "foundation/boundary_trace.h"
 
 using kvl::AdapterTrace;
+using kvl::kUpdateMarks;
+using kvl::UpdateMark;
 
 namespace {
-
-/// A kind of update that can be marked. Its number is its place in the table, from 1 on.
-struct UpdateMark {
-    const char* text;
-    const char* file;
-};
-
-constexpr std::array<UpdateMark, 3> kUpdateMarks = {{
-    {"NIC", "temp/SequentialUpdateFile_NIC.txt"},
-    {"FCoE", "temp/SequentialUpdateFile_FCoE.txt"},
-    {"iSCSI", "temp/SequentialUpdateFile_iSCSI.txt"},
-}};
 
 const UpdateMark* findMark(int kind) {
     const bool isKnown = kind >= 1 && static_cast<std::size_t>(kind) <= kUpdateMarks.size();

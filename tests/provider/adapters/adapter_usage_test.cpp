@@ -3,44 +3,22 @@
 
 #include <ostream>
 
-#include "provider/command_line.h"
-#include "provider/exit_codes.h"
-#include "provider/provider_error.h"
+#include "tests/provider/command_words.h"
 #include "tests/provider/kvl_program.h"
 
 namespace {
 
 using kvl::provider::Arguments;
-using kvl::provider::ProviderError;
-using kvl::provider::readCommandLine;
+using kvl::test::kAccepted;
+using kvl::test::refusal;
 using kvl::test::runKvl;
+using kvl::test::Word;
 using testing::AllOf;
 using testing::HasSubstr;
 
-/// @return why the command line isn't carried out; "accepted" if it would be
-std::string refusal(const Arguments& arguments) {
-    try {
-        readCommandLine(arguments);
-    } catch (const ProviderError& error) {
-        EXPECT_EQ(kvl::provider::kWrongUsage, error.exitCode());
-        return error.what();
-    }
-    return "accepted";
-}
-
-constexpr const char* kAccepted = "accepted";
 constexpr const char* kDeviceForm = "a device is bus:device.function in hexadecimal, such as 0b:00.1";
 constexpr const char* kVersionForm = "a version begins with a letter or a digit";
 constexpr const char* kDriverForm = "a driver is the name of a kernel module";
-
-struct Word {
-    std::string text;
-    const char* answer;
-};
-
-void PrintTo(const Word& word, std::ostream* stream) {
-    *stream << '[' << word.text << ']';
-}
 
 class Device : public testing::TestWithParam<Word> {};
 

@@ -3,48 +3,26 @@
 
 #include <ostream>
 
-#include "provider/command_line.h"
-#include "provider/exit_codes.h"
-#include "provider/provider_error.h"
-#include "provider/update/plain_words.h"
+#include "provider/adapters/adapter_words.h"
 #include "tests/provider/adapter_server.h"
+#include "tests/provider/command_words.h"
 
 namespace {
 
 using kvl::provider::Arguments;
 using kvl::provider::isPlainPath;
-using kvl::provider::ProviderError;
-using kvl::provider::readCommandLine;
+using kvl::test::kAccepted;
+using kvl::test::refusal;
 using kvl::test::runKvl;
 using kvl::test::runOnServer;
+using kvl::test::Word;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-/// @return why the command line isn't carried out; "accepted" if it would be
-std::string refusal(const Arguments& arguments) {
-    try {
-        readCommandLine(arguments);
-    } catch (const ProviderError& error) {
-        EXPECT_EQ(kvl::provider::kWrongUsage, error.exitCode());
-        return error.what();
-    }
-    return "accepted";
-}
-
-constexpr const char* kAccepted = "accepted";
 constexpr const char* kPathForm =
     ": a directory's whole path holds letters, digits and '/._+-' alone, since the commands of an update go through a "
     "shell; ";
 constexpr const char* kDeviceForm = "a device is bus:device.function in hexadecimal";
-
-struct Word {
-    std::string text;
-    const char* answer;
-};
-
-void PrintTo(const Word& word, std::ostream* stream) {
-    *stream << '[' << word.text << ']';
-}
 
 class DirectoryWord : public testing::TestWithParam<Word> {};
 
