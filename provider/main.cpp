@@ -2,7 +2,7 @@
 #include <iostream>
 
 #include "machines/private_root.h"
-#include "provider/command_line.h"
+#include "provider/commands/command_line.h"
 #include "provider/provider_error.h"
 
 namespace {

@@ -125,7 +125,8 @@ std::string placeOfOutput(const std::string& file) {
     return file.empty() || place == nullptr ? file : place;
 }
 
-int runInPrivateView(const SuppliedCommands& supplied, const Arguments& arguments, const std::string& outputFile) {
+int runInPrivateView(const SuppliedCommands& supplied, const std::vector<std::string>& arguments,
+                     const std::string& outputFile) {
     std::vector<std::string> words = {needBubblewrap()};
     append(words, privateViewOptions(supplied));
     append(words, outputOptions(outputFile));

@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "provider/command_line.h"
 #include "provider/machine/legacy_commands.h"
 
 namespace kvl::provider {
@@ -27,7 +26,8 @@ std::string placeOfOutput(const std::string& file);
 /// @param outputFile  the file that it writes; empty if it writes none
 /// @return its exit code, or 128 and the signal that ended it
 /// @throws ProviderError if the view can't be made, with what to do
-int runInPrivateView(const SuppliedCommands& supplied, const Arguments& arguments, const std::string& outputFile);
+int runInPrivateView(const SuppliedCommands& supplied, const std::vector<std::string>& arguments,
+                     const std::string& outputFile);
 
 }  // namespace kvl::provider
 

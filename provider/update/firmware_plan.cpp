@@ -2,9 +2,9 @@
 
 #include "adapter/CEmulexCommon.h"
 #include "foundation/CCommon_Information.h"
-#include "provider/adapters/adapter_words.h"
+#include "provider/commands/adapter_words.h"
+#include "provider/operation/needs.h"
 #include "provider/output/text_block.h"
-#include "provider/update/needs.h"
 
 namespace kvl::provider {
 namespace {

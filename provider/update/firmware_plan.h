@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "adapter/update_families.h"
-#include "provider/adapters/adapter_inventory.h"
+#include "provider/library/adapter_inventory.h"
+#include "provider/operation/procedure.h"
 #include "provider/update/module_archive.h"
-#include "provider/update/procedure.h"
 
 namespace kvl::provider {
 

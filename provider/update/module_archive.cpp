@@ -10,8 +10,8 @@
 #include <memory>
 
 #include "adapter/error_codes.h"
-#include "provider/adapters/adapter_failure.h"
-#include "provider/adapters/adapter_words.h"
+#include "provider/commands/adapter_words.h"
+#include "provider/library/adapter_failure.h"
 #include "provider/output/text_block.h"
 
 namespace kvl::provider {

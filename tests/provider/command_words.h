@@ -6,7 +6,7 @@
 #include <ostream>
 #include <string>
 
-#include "provider/command_line.h"
+#include "provider/commands/command_line.h"
 #include "provider/exit_codes.h"
 #include "provider/provider_error.h"
 

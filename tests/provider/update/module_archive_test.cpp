@@ -7,7 +7,7 @@
 #include <functional>
 #include <ostream>
 
-#include "provider/adapters/adapter_failure.h"
+#include "provider/library/adapter_failure.h"
 #include "tests/machines/outside.h"
 #include "tests/provider/update/made_archive.h"
 

@@ -1,0 +1,48 @@
+#ifndef KVL_PROVIDER_COMMANDS_REPORT_OUTPUT_H
+#define KVL_PROVIDER_COMMANDS_REPORT_OUTPUT_H
+
+#include <list>
+#include <string>
+
+#include "provider/commands/report_options.h"
+
+namespace kvl::provider {
+
+/// Looks before the collection, which takes minutes on some machines, whether its report can be written to a file.
+/// @param file  empty for standard output
+/// @throws ProviderError if it can't
+void checkOutputFile(const std::string& file);
+
+/// Brings the report to where it was asked for. The library writes documents to files alone, so what goes elsewhere, or
+/// in another form, begins as a file in the result directory.
+class ReportOutput {
+public:
+    /// @param file  where the file that was asked for is found, which in a private view is another place than the one
+    ///              that was named; empty for standard output
+    ReportOutput(const ReportOptions& options, const std::string& file);
+    ~ReportOutput();
+
+    ReportOutput(const ReportOutput&) = delete;
+    ReportOutput& operator=(const ReportOutput&) = delete;
+
+    /// The file that the library is to write.
+    const std::string& documentFile() const { return documentFile_; }
+
+    /// Does the rest.
+    /// @param written  whether the library could write its file
+    /// @throws ProviderError if something couldn't be written
+    void finish(bool written, const std::list<std::string>& vendors);
+
+private:
+    bool isTemporary() const { return documentFile_ != file_; }
+    void removeTemporary() const;
+    bool writeTarget(const std::string& content) const;
+
+    const ReportOptions& options_;
+    std::string file_;
+    std::string documentFile_;
+};
+
+}  // namespace kvl::provider
+
+#endif

@@ -1,0 +1,86 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "provider/commands/adapter_commands.h"
+#include "provider/commands/answer.h"
+#include "provider/library/adapter_inventory.h"
+#include "provider/library/working_tree.h"
+#include "provider/output/text_block.h"
+
+namespace kvl::provider {
+namespace {
+
+constexpr const char* kExamples =
+    "Examples:\n"
+    "  kvl version 0b:00.1 --kind firmware\n"
+    "  kvl version 0b:00.1 --kind driver --family cna --refresh\n"
+    "\n";
+
+struct VersionOptions {
+    std::string device;
+    const ModuleKind* kind = nullptr;
+    std::string family;  // empty: the port's own
+    bool refresh = false;
+    AnswerFormat format = AnswerFormat::kText;
+    RunOptions run;
+};
+
+/// The family that has the only dump of the port in the cache; empty if none or both have one.
+std::string familyInCache(const std::string& device) {
+    const bool isCna = isCached(device, kCna);
+    const bool isFc = isCached(device, kFc);
+    return isCna == isFc ? "" : isCna ? kCna : kFc;
+}
+
+/// Has the tool list the ports unless the cache answers.
+/// @return the family to ask for
+std::string prepare(const VersionOptions& options, const AdapterInventory& inventory) {
+    std::string family = options.family.empty() ? familyInCache(options.device) : options.family;
+    if (!options.refresh && !family.empty() && isCached(options.device, family)) {
+        return family;
+    }
+    inventory.refreshList();
+    return options.family.empty() ? inventory.familyOf(options.device) : options.family;
+}
+
+/// The dumps of the two families name their ports in different words.
+Failure withFamilyAdvice(Failure failure, const VersionOptions& options) {
+    if (failure.name == kNoDumpName && !options.family.empty()) {
+        failure.next += ", and whether --family is the port's";
+    }
+    return failure;
+}
+
+Answer tell(const VersionOptions& options) {
+    AdapterSession session(options.run);
+    const AdapterInventory inventory(session);
+    const std::string family = prepare(options, inventory);
+    const VersionAnswer found = inventory.version(options.device, *options.kind, options.refresh, family);
+    if (found.failure) {
+        throw AdapterFailure(withFamilyAdvice(*found.failure, options));
+    }
+    Answer answer;
+    answer.text = printable(found.version) + "\n";
+    answer.document = jsonText(
+        {{"device", options.device}, {"kind", options.kind->name}, {"family", family}, {"version", found.version}});
+    return answer;
+}
+
+}  // namespace
+
+void addVersionCommand(CLI::App& program, Request& request) {
+    CLI::App* command = program.add_subcommand("version", "Tell the version of a module that runs on a port");
+    command->footer(std::string(kExamples) + kVersionExitCodesHelp);
+    const auto options = std::make_shared<VersionOptions>();
+    addDevice(*command, options->device);
+    addKind(*command, options->kind);
+    addFamily(*command, options->family, "The adapter's family (default: by the port's type)");
+    command->add_flag("--refresh", options->refresh, "Have a new dump made, and not the cached one read");
+    addAnswerFormat(*command, options->format);
+    addRunOptions(*command, options->run);
+    command->callback([options, &request] {
+        request.run = [options] { return printAnswer(options->format, [options] { return tell(*options); }); };
+    });
+}
+
+}  // namespace kvl::provider

@@ -1,0 +1,43 @@
+#ifndef KVL_PROVIDER_LIBRARY_LAN_COLLECTION_H
+#define KVL_PROVIDER_LIBRARY_LAN_COLLECTION_H
+
+#include <functional>
+#include <list>
+#include <string>
+#include <vector>
+
+#include "collector/CNetworkParameter.h"
+#include "lan_report/CLanXmlWriter.h"
+#include "provider/commands/report_options.h"
+
+namespace kvl::provider {
+
+/// The library's calls for one LAN report, in the order that it asks for.
+class LanCollection {
+public:
+    /// Runs the first command.
+    explicit LanCollection(const ReportOptions& options);
+
+    /// Collects everything.
+    /// @param foundInterfaces  is told the interfaces, in the order in which their drivers are asked next
+    /// @return false if the machine has given no interface; the rest isn't collected then
+    bool collect(const std::function<void(const std::vector<std::string>&)>& foundInterfaces);
+
+    /// Finds the vendors, if none was named, and writes the chosen sections to a file.
+    /// @return false if it couldn't be written
+    bool write(const std::string& file);
+
+    /// The vendors that the report is about, each once.
+    const std::list<std::string>& vendors() const { return vendors_; }
+
+private:
+    std::list<std::string> findVendors();
+
+    const ReportOptions& options_;
+    CNetworkParameter collector_;
+    std::list<std::string> vendors_;
+};
+
+}  // namespace kvl::provider
+
+#endif
