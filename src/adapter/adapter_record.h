@@ -9,6 +9,10 @@ namespace kvl {
 /// What the adapter list tells of one port, by key.
 using AdapterRecord = std::map<std::string, std::string>;
 
+// What the list calls the address of a port.
+constexpr const char* kMacKey = "Permanent MAC";
+constexpr const char* kWwnKey = "Port WWN";
+
 /// @return the value of a key, empty if the record lacks it
 inline std::string valueOf(const AdapterRecord& record, const std::string& key) {
     const auto found = record.find(key);

@@ -23,11 +23,11 @@ std::string macText(const std::string& address) {
 /// The port's address; two empty texts for a port of another type.
 NameAndValue addressOf(const AdapterRecord& record) {
     if (kvl::hasWorldWideName(record)) {
-        return {"WWPN", kvl::valueOf(record, "Port WWN")};
+        return {"WWPN", kvl::valueOf(record, kvl::kWwnKey)};
     }
     const std::string type = kvl::valueOf(record, "Port Type");
     if (type == "iSCSI" || type == "NIC") {
-        return {"MAC Address", macText(kvl::valueOf(record, "Permanent MAC"))};
+        return {"MAC Address", macText(kvl::valueOf(record, kvl::kMacKey))};
     }
     return {};
 }

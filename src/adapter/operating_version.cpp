@@ -44,7 +44,7 @@ bool isThere(const std::string& path) {
 }
 
 std::string identifierOf(const AdapterRecord& info) {
-    return kvl::valueOf(info, kvl::hasWorldWideName(info) ? "Port WWN" : "Permanent MAC");
+    return kvl::valueOf(info, kvl::hasWorldWideName(info) ? kvl::kWwnKey : kvl::kMacKey);
 }
 
 /// Has the tool dump a port, and asks for the directory of the dumps.

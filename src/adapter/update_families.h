@@ -4,6 +4,7 @@
 #include <array>
 #include <string>
 
+#include "adapter/adapter_record.h"
 #include "foundation/text.h"
 
 namespace kvl {
@@ -19,8 +20,6 @@ struct UpdateFamily {
     const char* noAddress;        ///< What is traced where it is missing.
 };
 
-constexpr const char* kMacKey = "Permanent MAC";
-constexpr const char* kWwnKey = "Port WWN";
 constexpr const char* kNoMac = "Failed to get MAC Address";
 constexpr const char* kNoWwn = "Failed to get WWPN";
 
