@@ -6,26 +6,8 @@
 #include <array>
 #include <cerrno>
 #include <system_error>
-#include <utility>
 
 namespace kvl::machines {
-
-Descriptor::Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-    std::swap(number_, other.number_);
-    return *this;
-}
-
-Descriptor::~Descriptor() {
-    close();
-}
-
-void Descriptor::close() {
-    if (number_ >= 0) {
-        ::close(std::exchange(number_, -1));
-    }
-}
 
 Descriptor memoryFile(const std::string& text) {
     Descriptor file(memfd_create("kvl", MFD_CLOEXEC));

@@ -3,25 +3,11 @@
 
 #include <string>
 
+#include "reference_host/file_descriptor.h"
+
 namespace kvl::machines {
 
-/// Owns one file descriptor and closes it.
-class Descriptor {
-public:
-    Descriptor() = default;
-    explicit Descriptor(int number) : number_(number) {}
-    Descriptor(Descriptor&& other) noexcept;
-    Descriptor& operator=(Descriptor&& other) noexcept;
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor();
-
-    int number() const { return number_; }
-    void close();
-
-private:
-    int number_ = -1;
-};
+using Descriptor = host::FileDescriptor;
 
 /// A file in memory that holds the text, closed at exec. Throws std::system_error if the system has none left.
 Descriptor memoryFile(const std::string& text);

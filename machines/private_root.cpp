@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <pthread.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -11,10 +10,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <optional>
-#include <sstream>
 #include <utility>
 
+#include "machines/bubblewrap.h"
+#include "machines/programs.h"
 #include "machines/root_layout.h"
 
 namespace kvl::machines {
@@ -29,23 +28,12 @@ constexpr const char* kNotStarted =
     "permissions: an ordinary user needs user namespaces (sysctl kernel.unprivileged_userns_clone=1 and "
     "user.max_user_namespaces above 0; in a container, a seccomp profile that lets unshare and mount pass).";
 
-std::optional<std::string> findProgram(const std::string& name, const std::string& directories) {
-    std::istringstream list(directories);
-    for (std::string directory; std::getline(list, directory, ':');) {
-        const std::string path = directory + "/" + name;
-        if (!directory.empty() && access(path.c_str(), X_OK) == 0 && fs::is_regular_file(path)) {
-            return fs::canonical(path).string();
-        }
-    }
-    return std::nullopt;
-}
-
 std::string needProgram(const std::string& name, const std::string& package, const std::string& directories) {
-    const auto path = findProgram(name, directories);
-    if (!path) {
+    const std::string path = findProgram(name, directories);
+    if (path.empty()) {
         throw PrivateRootError(name + " is not installed: install the package " + package + ".");
     }
-    return *path;
+    return fs::canonical(path).string();
 }
 
 std::string searchPath() {
@@ -80,25 +68,6 @@ std::string octal(unsigned mode) {
     std::array<char, 16> text{};
     std::snprintf(text.data(), text.size(), "%04o", mode);
     return text.data();
-}
-
-std::vector<char*> pointers(std::vector<std::string>& words) {
-    std::vector<char*> list;
-    for (std::string& word : words) {
-        list.push_back(word.data());
-    }
-    list.push_back(nullptr);
-    return list;
-}
-
-int waitFor(pid_t process) {
-    int status = 0;
-    while (waitpid(process, &status, 0) < 0) {
-        if (errno != EINTR) {
-            throw PrivateRootError(std::string("waiting for bubblewrap: ") + std::strerror(errno));
-        }
-    }
-    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 // Async-signal-safe, as it runs behind every fork.
@@ -164,40 +133,17 @@ std::vector<std::string> PrivateRoot::commandLine(const std::vector<std::string>
 }
 
 int PrivateRoot::run(const std::vector<std::string>& program) const {
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-        throw PrivateRootError(std::string("pipe: ") + std::strerror(errno));
-    }
-    const Descriptor statusIn(ends[0]);
-    Descriptor statusOut(ends[1]);
-
-    std::vector<std::string> words = commandLine(program);
-    words.insert(words.begin() + 1, {"--json-status-fd", std::to_string(statusOut.number())});
-    std::vector<char*> list = pointers(words);
-
-    const pid_t process = fork();
-    if (process < 0) {
-        throw PrivateRootError(std::string("fork: ") + std::strerror(errno));
-    }
-    if (process == 0) {
-        handDescriptorsOn();
-        fcntl(statusOut.number(), F_SETFD, 0);
-        execv(list.front(), list.data());
-        _exit(127);
-    }
-    statusOut.close();
-    // bubblewrap tells an exit code only if it has started the program.
-    const bool started = readAll(statusIn.number()).find("exit-code") != std::string::npos;
-    const int status = waitFor(process);
-    if (!started && status < 128) {
+    const BubblewrapEnding ending =
+        runBubblewrap(commandLine(program), {[this] { handDescriptorsOn(); }, [](pid_t) {}});
+    if (!ending.programRan && ending.status < 128) {
         throw PrivateRootError(kNotStarted);
     }
-    return status;
+    return ending.status;
 }
 
 void PrivateRoot::exec(const std::vector<std::string>& program) const {
     std::vector<std::string> words = commandLine(program);
-    std::vector<char*> list = pointers(words);
+    const std::vector<char*> list = wordPointers(words);
     handDescriptorsOn();
     execv(list.front(), list.data());
     throw PrivateRootError(bubblewrap_ + ": " + std::strerror(errno));
@@ -267,6 +213,11 @@ void PrivateRoot::handDescriptorsOn() const {
     if (options_.missingReport >= 0) {
         fcntl(options_.missingReport, F_SETFD, 0);
     }
+}
+
+bool isKeptRoot(const std::string& directory) {
+    std::error_code none;
+    return fs::exists(directory + kStandInPath, none);
 }
 
 bool insidePrivateRoot() {

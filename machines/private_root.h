@@ -82,6 +82,9 @@ private:
     std::vector<DataFile> dataFiles_;
 };
 
+/// True for a directory that was / of a private root, and holds its state.
+bool isKeptRoot(const std::string& directory);
+
 /// True in a process that runs inside a private root.
 bool insidePrivateRoot();
 

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "reference_host/formatted_text.h"
+#include "reference_host/install_path.h"
 
 namespace kvl::host {
 namespace {
@@ -18,7 +19,7 @@ bool isFailure(const std::string& message) {
 
 void writeSystemLog(const std::string& message) {
     const char* wanted = std::getenv("KVL_SYSTEM_LOG");
-    if (wanted != nullptr && std::string(wanted) == "no") {
+    if ((wanted != nullptr && std::string(wanted) == "no") || isInstallationTemporary()) {
         return;
     }
     syslog(LOG_USER | (isFailure(message) ? LOG_ERR : LOG_NOTICE), "%s", onOneLine(message).c_str());

@@ -89,7 +89,9 @@ TraceLog& traceLog() {
 TraceSettings traceSettingsOfEnvironment() {
     TraceSettings settings;
     const char* file = std::getenv("KVL_TRACE_FILE");
-    settings.file = file != nullptr && *file != '\0' ? file : installPath() + "/log/kvl.log";
+    settings.file = isInstallationTemporary()          ? "/dev/null"
+                    : file != nullptr && *file != '\0' ? file
+                                                       : installPath() + "/log/kvl.log";
     settings.levels = levelsOfText(std::getenv("KVL_TRACE_LEVELS"));
     return settings;
 }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host/CFileUtility.h"
+#include "reference_host/install_path.h"
 #include "tests/reference_host/host_test.h"
 
 namespace {
@@ -44,6 +45,18 @@ TEST_F(GetInstallPath, IsTheProductsDirectoryWithoutTheVariable) {
     EXPECT_EQ(CFileUtility::GetInstallPath(0), "/opt/tarvenn/kvl");
     ::unsetenv("KVL_INSTALL_PATH");
     EXPECT_EQ(CFileUtility::GetInstallPath(0), "/opt/tarvenn/kvl");
+}
+
+TEST_F(GetInstallPath, IsThatOfATemporaryInstallationAsLongAsThereIsOne) {
+    EXPECT_FALSE(kvl::host::isInstallationTemporary());
+    {
+        const kvl::host::TemporaryInstallation installation(scratch_ / "other");
+        EXPECT_TRUE(kvl::host::isInstallationTemporary());
+        EXPECT_EQ(CFileUtility::GetInstallPath(0), scratch_ / "other");
+        EXPECT_EQ(kvl::host::configuredInstallPath(), scratch_.path());
+    }
+    EXPECT_FALSE(kvl::host::isInstallationTemporary());
+    EXPECT_EQ(CFileUtility::GetInstallPath(0), scratch_.path());
 }
 
 TEST_F(CreateFolder, MakesMissingParents) {

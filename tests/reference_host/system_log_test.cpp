@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/CTraceUtility.h"
+#include "reference_host/install_path.h"
 
 namespace {
 
@@ -50,6 +51,12 @@ TEST_F(SystemLog, HasEachFailureThatIsTraced) {
     EXPECT_THAT(entries(), ElementsAre(Entry(
                                LOG_USER | LOG_ERR,
                                "MSGID_EMULEX_0004_F: The update of ocm for a converged network adapter failed: 1a")));
+}
+
+TEST_F(SystemLog, HasNothingOfATemporaryInstallation) {
+    const kvl::host::TemporaryInstallation installation("/nowhere");
+    CTraceUtility::WriteTrace("cna", "MSGID_EMULEX_0004_F", "ocm", "1a");
+    EXPECT_THAT(entries(), IsEmpty());
 }
 
 TEST_F(SystemLog, HasWhatIsNoFailureAsANotice) {
