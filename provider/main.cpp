@@ -10,14 +10,17 @@ namespace {
 using namespace kvl::provider;
 
 int run(const Arguments& arguments) {
+    int exitCode = kWrongUsage;
     try {
-        return readCommandLine(arguments).run();
-    } catch (const ProviderError& error) {
+        const Request request = readCommandLine(arguments);
+        exitCode = request.failureCode;
+        return request.run();
+    } catch (const WrongUsage& error) {
         std::cerr << "kvl: " << error.what() << '\n';
-        return error.exitCode();
+        return kWrongUsage;
     } catch (const std::exception& error) {
         std::cerr << "kvl: " << error.what() << '\n';
-        return kNothingCollected;
+        return exitCode;
     }
 }
 

@@ -4,19 +4,19 @@
 #include <stdexcept>
 #include <string>
 
-#include "provider/exit_codes.h"
-
 namespace kvl::provider {
 
-/// Ends the program: with a sentence for the operator, which says what to do, and an exit code.
+/// Why the program can't do what it was asked for: a sentence for the operator, which says what to do. Each command has
+/// an exit code of its own for it.
 class ProviderError : public std::runtime_error {
 public:
-    ProviderError(ExitCode exitCode, const std::string& sentence) : std::runtime_error(sentence), exitCode_(exitCode) {}
+    explicit ProviderError(const std::string& sentence) : std::runtime_error(sentence) {}
+};
 
-    ExitCode exitCode() const { return exitCode_; }
-
-private:
-    ExitCode exitCode_;
+/// The command line can't be carried out. Nothing was done.
+class WrongUsage : public ProviderError {
+public:
+    using ProviderError::ProviderError;
 };
 
 }  // namespace kvl::provider

@@ -1,22 +1,27 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 
-#include "provider/commands/adapter_commands.h"
 #include "provider/commands/answer.h"
+#include "provider/commands/arguments.h"
+#include "provider/commands/commands.h"
+#include "provider/commands/options.h"
 #include "provider/library/adapter_inventory.h"
 #include "provider/machine/provider_environment.h"
 #include "provider/output/text_block.h"
+#include "provider/run/run.h"
 
 namespace kvl::provider {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-constexpr const char* kExamples =
+constexpr const char* kHelp =
     "Examples:\n"
     "  kvl adapter-info 0b:00.1\n"
     "  kvl adapter-info 0b:00.1 --format json\n"
-    "\n";
+    "\n"
+    "Exit codes:\n"
+    "  0   the port is described\n"
+    "  1   the same, but something could not be had (named on standard error)\n"
+    "  2   wrong usage\n"
+    "  3   there is no description; the reason stands on standard error\n";
 
 struct InfoOptions {
     std::string device;
@@ -25,9 +30,9 @@ struct InfoOptions {
 };
 
 Answer describe(const InfoOptions& options) {
-    AdapterSession session(options.run);
+    Run run(options.run, Turn::kTake);
     needResultDirectory();  // for the interface of a port
-    const AdapterInventory inventory(session);
+    const AdapterInventory inventory(run);
     inventory.refreshList();
     std::optional<Failure> missing;
     TextBlock block("Adapter " + options.device);
@@ -38,10 +43,10 @@ Answer describe(const InfoOptions& options) {
     }
     Answer answer;
     answer.text = block.text();
-    answer.document = jsonText({{"device", options.device}, {"information", information}});
+    answer.document = {{"device", options.device}, {"information", information}};
     if (missing) {
-        answer.notes.emplace_back("", *missing);
-        answer.exitCode = kPartlyCollected;
+        answer.gaps.emplace_back("", *missing);
+        answer.exitCode = kIncomplete;
     }
     return answer;
 }
@@ -49,15 +54,13 @@ Answer describe(const InfoOptions& options) {
 }  // namespace
 
 void addAdapterInfoCommand(CLI::App& program, Request& request) {
-    CLI::App* command = program.add_subcommand("adapter-info", "Describe a port of an adapter");
-    command->footer(std::string(kExamples) + kAdapterInfoExitCodesHelp);
+    CLI::App& command = addCommand(program, "adapter-info", "Describe a port of an adapter", kHelp);
     const auto options = std::make_shared<InfoOptions>();
-    addDevice(*command, options->device);
-    addAnswerFormat(*command, options->format);
-    addRunOptions(*command, options->run);
-    command->callback([options, &request] {
-        request.run = [options] { return printAnswer(options->format, [options] { return describe(*options); }); };
-    });
+    addDevice(command, options->device);
+    addAnswerFormat(command, options->format);
+    addRunOptions(command, options->run);
+    whenChosen(command,
+               [options, &request] { answerWith(request, options->format, [options] { return describe(*options); }); });
 }
 
 }  // namespace kvl::provider

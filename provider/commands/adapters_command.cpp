@@ -1,22 +1,27 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 
-#include "provider/commands/adapter_commands.h"
 #include "provider/commands/answer.h"
+#include "provider/commands/arguments.h"
+#include "provider/commands/commands.h"
+#include "provider/commands/options.h"
 #include "provider/library/adapter_inventory.h"
 #include "provider/output/text_table.h"
+#include "provider/run/run.h"
 
 namespace kvl::provider {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-constexpr const char* kExamples =
+constexpr const char* kHelp =
     "Examples:\n"
     "  kvl adapters\n"
     "  kvl adapters --versions --family fc\n"
     "  kvl adapters --versions --refresh --format json\n"
-    "\n";
+    "\n"
+    "Exit codes:\n"
+    "  0   the adapters are listed\n"
+    "  1   the same, but something could not be had (named on standard error)\n"
+    "  2   wrong usage\n"
+    "  3   there is no list; the reason stands on standard error\n";
 
 struct AdaptersOptions {
     std::string family;  // empty: both
@@ -45,8 +50,8 @@ std::vector<VersionAnswer> askVersions(const AdapterInventory& inventory, const 
 }
 
 std::vector<ListedPort> collect(const AdaptersOptions& options) {
-    AdapterSession session(options.run);
-    const AdapterInventory inventory(session);
+    Run run(options.run, Turn::kTake);
+    const AdapterInventory inventory(run);
     inventory.refreshList();
     std::vector<ListedPort> listed;
     for (const Adapter& port : inventory.ports()) {
@@ -56,8 +61,8 @@ std::vector<ListedPort> collect(const AdaptersOptions& options) {
     }
     for (std::size_t index = 0; options.versions && index < listed.size(); ++index) {
         ListedPort& port = listed[index];
-        session.setSubject(port.adapter.device + " (" + std::to_string(index + 1) + " of " +
-                           std::to_string(listed.size()) + "): ");
+        inventory.setSubject(port.adapter.device + " (" + std::to_string(index + 1) + " of " +
+                             std::to_string(listed.size()) + "): ");
         if (!port.adapter.device.empty()) {
             port.versions = askVersions(inventory, port.adapter, options.refresh);
         }
@@ -119,7 +124,6 @@ std::vector<PortFailure> failuresOf(const ListedPort& port, bool versions) {
 
 Json documentOf(const ListedPort& port, bool versions) {
     const Adapter& adapter = port.adapter;
-    const auto orNull = [](const std::string& text) { return text.empty() ? Json() : Json(text); };
     Json entry = {
         {"device", orNull(adapter.device)}, {"family", adapter.family},          {"type", adapter.type},
         {"address", adapter.address},       {"port_number", adapter.portNumber}, {"pci_bus_number", adapter.bus},
@@ -134,7 +138,7 @@ Json documentOf(const ListedPort& port, bool versions) {
     }
     entry["failures"] = Json::array();
     for (const PortFailure& failure : failuresOf(port, versions)) {
-        entry["failures"].push_back(document(failure.failure));
+        entry["failures"].push_back(documentOf(failure.failure));
         entry["failures"].back()["kind"] = orNull(failure.kind);
     }
     return entry;
@@ -148,11 +152,11 @@ Json documentOf(const std::vector<ListedPort>& ports, bool versions) {
     return {{"adapters", list}};
 }
 
-void addNotes(const ListedPort& port, bool versions, std::vector<Note>& notes) {
+void addGaps(const ListedPort& port, bool versions, std::vector<Gap>& gaps) {
     const Adapter& adapter = port.adapter;
     const std::string name = adapter.device.empty() ? adapter.address : adapter.device;
     for (const PortFailure& failure : failuresOf(port, versions)) {
-        notes.emplace_back(name + (failure.kind.empty() ? "" : ": " + failure.kind), failure.failure);
+        gaps.emplace_back(name + (failure.kind.empty() ? "" : ": " + failure.kind), failure.failure);
     }
 }
 
@@ -160,28 +164,26 @@ Answer list(const AdaptersOptions& options) {
     const std::vector<ListedPort> ports = collect(options);
     Answer answer;
     answer.text = tableOf(ports, options.versions);
-    answer.document = jsonText(documentOf(ports, options.versions));
+    answer.document = documentOf(ports, options.versions);
     for (const ListedPort& port : ports) {
-        addNotes(port, options.versions, answer.notes);
+        addGaps(port, options.versions, answer.gaps);
     }
-    answer.exitCode = answer.notes.empty() ? kReportWritten : kPartlyCollected;
+    answer.exitCode = answer.gaps.empty() ? kAnswered : kIncomplete;
     return answer;
 }
 
 }  // namespace
 
 void addAdaptersCommand(CLI::App& program, Request& request) {
-    CLI::App* command = program.add_subcommand("adapters", "List the ports of the Emulex adapters");
-    command->footer(std::string(kExamples) + kAdaptersExitCodesHelp);
+    CLI::App& command = addCommand(program, "adapters", "List the ports of the Emulex adapters", kHelp);
     const auto options = std::make_shared<AdaptersOptions>();
-    addFamily(*command, options->family, "List the ports of this family alone");
-    command->add_flag("--versions", options->versions, "Tell the versions that run on each port");
-    command->add_flag("--refresh", options->refresh, "(with --versions) Have new dumps made, not the cached ones read");
-    addAnswerFormat(*command, options->format);
-    addRunOptions(*command, options->run);
-    command->callback([options, &request] {
-        request.run = [options] { return printAnswer(options->format, [options] { return list(*options); }); };
-    });
+    addFamily(command, options->family, "List the ports of this family alone");
+    addFlag(command, "--versions", options->versions, "Tell the versions that run on each port");
+    addFlag(command, "--refresh", options->refresh, "(with --versions) Have new dumps made, not the cached ones read");
+    addAnswerFormat(command, options->format);
+    addRunOptions(command, options->run);
+    whenChosen(command,
+               [options, &request] { answerWith(request, options->format, [options] { return list(*options); }); });
 }
 
 }  // namespace kvl::provider

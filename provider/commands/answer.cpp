@@ -1,63 +1,51 @@
 #include "provider/commands/answer.h"
 
-#include <CLI/CLI.hpp>
 #include <iostream>
+
+#include "provider/commands/options.h"
 
 namespace kvl::provider {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-constexpr int kIndent = 2;
-
-Json orNull(const std::string& text) {
-    return text.empty() ? Json() : Json(text);
+void print(const std::string& text) {
+    if (!(std::cout << text).flush()) {
+        throw ProviderError("the answer could not be written to standard output");
+    }
 }
 
-Json errorDocument(const ProviderError& error) {
-    const auto* failure = dynamic_cast<const AdapterFailure*>(&error);
-    return document(failure != nullptr ? failure->failure() : Failure{"", "", error.what(), ""});
-}
-
-/// The document with the failures that the notes tell.
-std::string wholeDocument(const Answer& answer) {
+/// The document with the failures that keep the answer from being whole.
+Json wholeDocument(const Answer& answer) {
     Json failures = Json::array();
-    for (const Note& note : answer.notes) {
-        if (note.failure) {
-            Json entry = {{"about", orNull(note.about)}};
-            entry.update(document(*note.failure));
+    for (const Gap& gap : answer.gaps) {
+        if (gap.failure) {
+            Json entry = {{"about", orNull(gap.about)}};
+            entry.update(documentOf(*gap.failure));
             failures.push_back(entry);
         }
     }
-    if (failures.empty()) {
-        return answer.document;
+    Json whole = answer.document;
+    if (!failures.empty()) {
+        whole["failures"] = failures;
     }
-    Json whole = Json::parse(answer.document);
-    whole["failures"] = failures;
-    return jsonText(whole);
-}
-
-void finishOutput() {
-    if (!std::cout.flush()) {
-        throw ProviderError(kNothingCollected, "the answer could not be written to standard output");
-    }
+    return whole;
 }
 
 }  // namespace
 
 void addAnswerFormat(CLI::App& command, AnswerFormat& format) {
-    const auto take = [&format](const std::string& name) {
-        if (name != "text" && name != "json") {
-            throw CLI::ValidationError("--format: '" + name + "' is none of text|json");
-        }
-        format = name == "json" ? AnswerFormat::kJson : AnswerFormat::kText;
+    const auto receive = [&format](std::size_t place) {
+        format = place == 0 ? AnswerFormat::kText : AnswerFormat::kJson;
     };
-    command.add_option_function<std::string>("--format", take, "'text' for eyes (default), 'json' for programs")
-        ->type_name("text|json");
+    addOneOf(command, "--format", {"text", "json"}, "|", receive, "'text' for eyes (default), 'json' for programs");
 }
 
-Note::Note(const std::string& what, const Failure& why)
+Gap::Gap(const std::string& what, const Failure& why)
     : sentence((what.empty() ? "" : what + ": ") + describe(why)), about(what), failure(why) {}
+
+void answerWith(Request& request, const AnswerFormat& format, const std::function<Answer()>& find) {
+    request.failureCode = kNoAnswer;
+    request.run = [&format, find] { return printAnswer(format, find); };
+}
 
 int printAnswer(AnswerFormat format, const std::function<Answer()>& find) {
     Answer answer;
@@ -65,24 +53,31 @@ int printAnswer(AnswerFormat format, const std::function<Answer()>& find) {
         answer = find();
     } catch (const ProviderError& error) {
         if (format == AnswerFormat::kJson) {
-            std::cout << jsonText({{"error", errorDocument(error)}});
-            finishOutput();
+            printDocument({{"error", errorDocument(error)}});
         }
         throw;
     }
-    std::cout << (format == AnswerFormat::kJson ? wholeDocument(answer) : answer.text);
-    finishOutput();
-    for (const Note& note : answer.notes) {
-        std::cerr << "kvl: " << note.sentence << '\n';
+    if (format == AnswerFormat::kJson) {
+        printDocument(wholeDocument(answer));
+    } else {
+        print(answer.text);
+    }
+    for (const Gap& gap : answer.gaps) {
+        std::cerr << "kvl: " << gap.sentence << '\n';
     }
     return answer.exitCode;
 }
 
-std::string jsonText(const Json& document) {
-    return document.dump(kIndent, ' ', false, Json::error_handler_t::replace) + "\n";
+void printDocument(const Json& document) {
+    print(jsonText(document));
 }
 
-Json document(const Failure& failure) {
+Json errorDocument(const ProviderError& error) {
+    const auto* failure = dynamic_cast<const AdapterFailure*>(&error);
+    return documentOf(failure != nullptr ? failure->failure() : Failure{"", "", error.what(), ""});
+}
+
+Json documentOf(const Failure& failure) {
     return {{"number", orNull(failure.number)},
             {"name", orNull(failure.name)},
             {"meaning", failure.meaning},

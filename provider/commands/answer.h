@@ -2,57 +2,67 @@
 #define KVL_PROVIDER_COMMANDS_ANSWER_H
 
 #include <functional>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "provider/exit_codes.h"
+#include "provider/commands/command_line.h"
 #include "provider/library/adapter_failure.h"
-
-namespace CLI {
-class App;
-}
+#include "provider/output/json.h"
 
 namespace kvl::provider {
 
+/// How the commands end that answer a question. Some have more codes of their own.
+enum AnswerExit : int {
+    kAnswered = 0,
+    kIncomplete = 1,  ///< The same, but something could not be had: named on standard error.
+    kNoAnswer = 3,    ///< The reason stands on standard error.
+};
+
 enum class AnswerFormat { kText, kJson };
 
-/// Something that could not be had.
-struct Note {
-    /// What the document tells by itself.
-    Note(const std::string& words) : sentence(words) {}
+/// Something that an answer lacks.
+struct Gap {
+    /// One that the document shows by itself.
+    explicit Gap(const std::string& why) : sentence(why) {}
 
-    /// What the document tells among its failures.
+    /// One that the document lists among its failures.
     /// @param what  what the failure is about, which begins the sentence; empty if the failure says it
-    Note(const std::string& what, const Failure& why);
+    Gap(const std::string& what, const Failure& why);
 
     std::string sentence;
     std::string about;
     std::optional<Failure> failure;
 };
 
-/// What an adapter command has found out.
+/// What a command has found out.
 struct Answer {
     std::string text;
-    std::string document;     ///< the same for programs: JSON
-    std::vector<Note> notes;  ///< what could not be had; the failures among them are added to the document
-    ExitCode exitCode = kReportWritten;
+    Json document;          ///< the same for programs
+    std::vector<Gap> gaps;  ///< the failures among them are added to the document
+    int exitCode = kAnswered;
 };
 
 /// Adds --format.
 /// @param format  receives what was given; must live as long as the command
 void addAnswerFormat(CLI::App& command, AnswerFormat& format);
 
-/// Finds an answer and prints it. What can't be answered is told as a document too, where one was asked for.
+/// Has a request answer a question.
+/// @param format  as --format has received it, and must live as long as the request
+void answerWith(Request& request, const AnswerFormat& format, const std::function<Answer()>& find);
+
+/// Finds an answer and prints it. Why there is none is printed as a document too, where one was asked for.
 /// @return the exit code
 int printAnswer(AnswerFormat format, const std::function<Answer()>& find);
 
-/// The text of a document. What the tool prints needn't be UTF-8, which documents are, so what isn't is replaced.
-std::string jsonText(const nlohmann::ordered_json& document);
+/// Prints a document. @throws ProviderError if it can't be
+void printDocument(const Json& document);
+
+/// The document of a failure that ends the program.
+Json errorDocument(const ProviderError& error);
 
 /// A failure for programs.
-nlohmann::ordered_json document(const Failure& failure);
+Json documentOf(const Failure& failure);
 
 }  // namespace kvl::provider
 

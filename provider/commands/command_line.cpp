@@ -7,11 +7,7 @@
 #include <sstream>
 #include <string_view>
 
-#include "provider/commands/adapter_commands.h"
-#include "provider/commands/replay_command.h"
-#include "provider/commands/report_command.h"
-#include "provider/commands/update_commands.h"
-#include "provider/exit_codes.h"
+#include "provider/commands/commands.h"
 #include "provider/provider_error.h"
 
 namespace kvl::provider {
@@ -29,7 +25,7 @@ constexpr const char* kDescription =
     "their addresses and the settings of their drivers. Lists its Emulex adapters and the\n"
     "versions that run on them.";
 
-constexpr const char* kExamples =
+constexpr const char* kHelp =
     "Examples:\n"
     "  kvl report                                 this machine, for eyes\n"
     "  kvl report --format xml -o report.xml      this machine, as a document\n"
@@ -37,9 +33,13 @@ constexpr const char* kExamples =
     "  kvl replay four-port -- report             a recorded server\n"
     "\n"
     "'kvl COMMAND --help' explains a command.\n"
-    "\n";
+    "\n"
+    "Exit codes:\n"
+    "  0  done, and nothing is missing\n"
+    "  2  wrong usage; nothing was done\n"
+    "  All others are the command's own: 'kvl COMMAND --help' tells them.\n";
 
-/// A sentence around two words: what stands in front of, between and behind them.
+/// A sentence around two parts: what stands in front of, between and behind them.
 struct Sentence {
     std::string_view begins;
     std::string_view goesOn;
@@ -63,62 +63,62 @@ std::function<int()> printingRequest(const CLI::App& program, const CLI::ParseEr
     program.exit(parsed, text, text);
     return [printed = text.str()] {
         std::cout << printed << std::flush;
-        return static_cast<int>(kReportWritten);
+        return static_cast<int>(kDone);
     };
 }
 
-/// The words by which the command was chosen, each with a blank behind it.
+/// The commands that were chosen, one below the other, each with a blank behind it.
 std::string chosenCommand(const CLI::App& program) {
     const auto chosen = program.get_subcommands();
     return chosen.empty() ? "" : chosen.front()->get_name() + " " + chosenCommand(*chosen.front());
 }
 
-/// The words on the command line that no command takes, in their order.
-std::string wordsLeft(const CLI::App& program) {
-    std::string words;
-    for (const std::string& word : program.remaining(true)) {
-        words += (words.empty() ? "" : " ") + word;
+/// What stands on the command line that no command takes, in its order.
+std::string argumentsLeft(const CLI::App& program) {
+    std::string text;
+    for (const std::string& argument : program.remaining(true)) {
+        text += (text.empty() ? "" : " ") + argument;
     }
-    return words;
+    return text;
 }
 
 /// @return nothing if the parser has said something else
-std::optional<std::string> reworded(const Rewording& row, std::string_view words) {
+std::optional<std::string> reworded(const Rewording& row, std::string_view text) {
     const auto& [begins, goesOn, ends] = row.parsers;
-    const auto middle = words.find(goesOn);
-    if (middle == words.npos || words.substr(0, begins.size()) != begins ||
-        words.substr(words.size() - ends.size()) != ends) {
+    const auto middle = text.find(goesOn);
+    if (middle == text.npos || text.substr(0, begins.size()) != begins ||
+        text.substr(text.size() - ends.size()) != ends) {
         return std::nullopt;
     }
     std::string sentence(row.ours.begins);
-    sentence += words.substr(begins.size(), middle - begins.size());
+    sentence += text.substr(begins.size(), middle - begins.size());
     sentence += row.ours.goesOn;
-    words.remove_suffix(ends.size());
-    sentence += words.substr(middle + goesOn.size());
+    text.remove_suffix(ends.size());
+    sentence += text.substr(middle + goesOn.size());
     return sentence += row.ours.ends;
 }
 
-/// The parser's own words, but for those that a reader couldn't make sense of.
-std::string wordsOf(const CLI::App& program, const CLI::ParseError& error) {
+/// The parser's own sentence, but for those that a reader couldn't make sense of.
+std::string sentenceOf(const CLI::App& program, const CLI::ParseError& error) {
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
-        return "not expected: " + wordsLeft(program);
+        return "not expected: " + argumentsLeft(program);
     }
-    const std::string words = error.what();
-    if (words == "A subcommand is required") {
+    const std::string text = error.what();
+    if (text == "A subcommand is required") {
         return "a command is missing";
     }
     for (const Rewording& row : kRewordings) {
-        if (const auto ours = reworded(row, words)) {
+        if (const auto ours = reworded(row, text)) {
             return *ours;
         }
     }
-    return words;
+    return text;
 }
 
 /// Tells what is wrong, and where the usage is told.
 std::string describe(const CLI::App& program, const Arguments& arguments, const CLI::ParseError& error) {
     const std::string command = chosenCommand(program);
-    const std::string what = !command.empty()    ? wordsOf(program, error)
+    const std::string what = !command.empty()    ? sentenceOf(program, error)
                              : arguments.empty() ? "a command is missing"
                                                  : "there is no command '" + arguments.front() + "'";
     return what + " ('kvl " + command + "--help' tells the usage)";
@@ -129,7 +129,7 @@ std::string describe(const CLI::App& program, const Arguments& arguments, const 
 Request readCommandLine(const Arguments& arguments) {
     CLI::App program(kDescription, "kvl");
     program.set_version_flag("--version", "kvl " KVL_VERSION);
-    program.footer(std::string(kExamples) + kProgramExitCodesHelp);
+    program.footer(kHelp);
     program.require_subcommand(1);
     program.get_formatter()->column_width(34);
     program.get_formatter()->label("Excludes", "not with");
@@ -144,7 +144,7 @@ Request readCommandLine(const Arguments& arguments) {
         program.parse(Arguments(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success)) {
-            throw ProviderError(kWrongUsage, describe(program, arguments, error));
+            throw WrongUsage(describe(program, arguments, error));
         }
         request.run = printingRequest(program, error);
     }

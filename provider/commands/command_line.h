@@ -13,10 +13,17 @@ namespace kvl::provider {
 
 using Arguments = std::vector<std::string>;
 
+/// The exit codes that all commands share. All others are the command's own, beside it. Scripts rely on the numbers.
+enum ProgramExit : int {
+    kDone = 0,
+    kWrongUsage = 2,  ///< The command line can't be carried out. Nothing was done.
+};
+
 /// What a command line asks for.
 struct Request {
     Arguments arguments;       ///< the command line, without the program's name
     std::function<int()> run;  ///< does it; returns the exit code, or throws
+    int failureCode = kDone;   ///< the command's exit code where that throws
     std::string fileToWrite;   ///< where it leaves a file; empty if it leaves none
 };
 
@@ -26,7 +33,7 @@ using AddCommand = void (*)(CLI::App& program, Request& request);
 
 /// Reads a command line. Help and version are requests like any other.
 /// @param arguments  without the program's name
-/// @throws ProviderError for wrong usage
+/// @throws WrongUsage
 Request readCommandLine(const Arguments& arguments);
 
 }  // namespace kvl::provider

@@ -1,39 +1,47 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 
-#include "provider/commands/adapter_commands.h"
-#include "provider/commands/adapter_words.h"
 #include "provider/commands/answer.h"
-#include "provider/library/adapter_tool.h"
+#include "provider/commands/commands.h"
+#include "provider/commands/options.h"
+#include "provider/library/adapter_inventory.h"
+#include "provider/library/adapter_kinds.h"
 
 namespace kvl::provider {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-constexpr const char* kExamples =
+constexpr const char* kHelp =
     "Examples:\n"
     "  kvl components\n"
-    "\n";
+    "\n"
+    "Exit codes:\n"
+    "  0   nothing is missing\n"
+    "  2   wrong usage\n"
+    "  3   the answer could not be written\n"
+    "  16  something is, or can't be run (named on standard error)\n";
+
+/// What is found beside 0 for nothing.
+enum ComponentsExit : int {
+    kComponentMissing = 16,  ///< It is missing, or can't be run.
+};
 
 struct ComponentsOptions {
     AnswerFormat format = AnswerFormat::kText;
 };
 
-Answer tell() {
+Answer findMissing() {
     Answer answer;
     Json names = Json::array();
     for (const CNecessaryComponentInfo& component : CEmulexCommon::NecessaryComponentCheck(kCna)) {
         answer.text += component.name + " is missing\n";
         names.push_back(component.name);
     }
-    answer.document = jsonText({{"missing", names}});
+    answer.document = {{"missing", names}};
     try {
-        needTool();
+        requireTool();
         answer.text = "nothing is missing\n";
     } catch (const AdapterFailure& failure) {
         answer.text += names.empty() ? "the adapter tool can't be run\n" : "";
-        answer.notes.emplace_back("", failure.failure());
+        answer.gaps.emplace_back("", failure.failure());
         answer.exitCode = kComponentMissing;
     }
     return answer;
@@ -42,11 +50,11 @@ Answer tell() {
 }  // namespace
 
 void addComponentsCommand(CLI::App& program, Request& request) {
-    CLI::App* command = program.add_subcommand("components", "Tell what the adapter commands miss on this machine");
-    command->footer(std::string(kExamples) + kComponentsExitCodesHelp);
+    CLI::App& command = addCommand(program, "components", "Tell what the adapter commands miss on this machine", kHelp);
     const auto options = std::make_shared<ComponentsOptions>();
-    addAnswerFormat(*command, options->format);
-    command->callback([options, &request] { request.run = [options] { return printAnswer(options->format, tell); }; });
+    addAnswerFormat(command, options->format);
+    whenChosen(command,
+               [options, &request] { answerWith(request, options->format, [options] { return findMissing(); }); });
 }
 
 }  // namespace kvl::provider

@@ -1,31 +1,41 @@
-#include "provider/commands/replay_command.h"
-
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
 
 #include "machines/private_root.h"
 #include "machines/replay.h"
-#include "provider/exit_codes.h"
+#include "provider/commands/commands.h"
+#include "provider/commands/options.h"
 #include "provider/provider_error.h"
 
 namespace kvl::provider {
 namespace {
 
-constexpr const char* kExamples =
+constexpr const char* kHelp =
     "Examples:\n"
     "  kvl replay --list\n"
     "  kvl replay four-port -- report\n"
     "  kvl replay ./my-server -- report --format xml > report.xml\n"
     "  kvl replay one-port --root ./root -- report -o /root/report.txt\n"
     "\n"
-    "The exit code is that of the command:\n";
+    "The exit code is that of the command:\n"
+    "Exit codes:\n"
+    "  0  report written\n"
+    "  1  report written, but something could not be collected (named on standard error)\n"
+    "  2  wrong usage\n"
+    "  3  no report: nothing could be collected, the report could not be written, or the run was\n"
+    "     refused; the reason stands on standard error\n";
 
 // What a run with sanitizers is told by its caller.
 constexpr const char* kPassedVariables[] = {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"};
+
+/// How the command ends that could not begin the other one; any other code is the other one's.
+enum ReplayExit : int {
+    kNoReplay = 3,
+};
 
 struct ReplayOptions {
     std::string machine;
@@ -33,6 +43,10 @@ struct ReplayOptions {
     Arguments command;
     bool list = false;
 };
+
+[[noreturn]] void refuse(const std::string& sentence) {
+    throw WrongUsage(sentence);
+}
 
 /// What the README of a recording says the server is: its title.
 std::string titleOf(const std::string& recording) {
@@ -52,10 +66,23 @@ int listMachines() {
         std::cout << name << std::string(width - name.size() + 2, ' ') << titleOf(machines::findRecording(name))
                   << '\n';
     }
-    return kReportWritten;
+    return kDone;
+}
+
+/// A server's files are kept in a directory that was made for them alone.
+void checkKeptRoot(const std::string& directory) {
+    std::error_code none;
+    const bool isFree = directory.empty() || !std::filesystem::exists(directory, none) ||
+                        std::filesystem::is_empty(directory, none) || machines::isKeptRoot(directory);
+    if (!isFree) {
+        refuse("--root " + directory +
+               ": the directory holds other files than a recorded server's: name an empty one, or one that isn't "
+               "there");
+    }
 }
 
 int replay(const ReplayOptions& options) {
+    checkKeptRoot(options.root);
     machines::ReplayRequest request;
     request.machine = options.machine;
     request.arguments = options.command;
@@ -68,12 +95,8 @@ int replay(const ReplayOptions& options) {
     try {
         return machines::replay(request);
     } catch (const machines::UnknownMachine& error) {
-        throw ProviderError(kWrongUsage, error.what());
+        throw WrongUsage(error.what());
     }
-}
-
-[[noreturn]] void refuse(const std::string& sentence) {
-    throw ProviderError(kWrongUsage, sentence);
 }
 
 /// Reads the command before anything is run, so that wrong usage is told by this process.
@@ -97,16 +120,18 @@ void checkCommand(const ReplayOptions& options) {
 }  // namespace
 
 void addReplayCommand(CLI::App& program, Request& request) {
-    CLI::App* command = program.add_subcommand("replay", "Run a command on a recorded server");
-    command->footer(std::string(kExamples) + kExitCodesHelp);
+    CLI::App& command = addCommand(program, "replay", "Run a command on a recorded server", kHelp);
     const auto options = std::make_shared<ReplayOptions>();
-    command->add_option("machine", options->machine, "Name of a recorded server, or directory of a recording")
-        ->type_name("NAME|DIR");
-    command->add_option("command", options->command, "What to run, such as: report --format xml")->type_name("COMMAND");
-    command->add_option("--root", options->root, "Directory that holds the server's files and keeps them between runs")
-        ->type_name("DIR");
-    command->add_flag("--list", options->list, "List the recorded servers that are known");
-    command->callback([options, &request] {
+    addText(
+        command, "machine", [options](const std::string& given) { options->machine = given; },
+        "Name of a recorded server, or directory of a recording", "NAME|DIR");
+    addRest(command, "command", options->command, "What to run, such as: report --format xml", "COMMAND");
+    addText(
+        command, "--root", [options](const std::string& given) { options->root = given; },
+        "Directory that holds the server's files and keeps them between runs", "DIR");
+    addFlag(command, "--list", options->list, "List the recorded servers that are known");
+    whenChosen(command, [options, &request] {
+        request.failureCode = kNoReplay;
         if (options->list) {
             request.run = listMachines;
             return;

@@ -1,66 +1,75 @@
-#include "provider/commands/report_command.h"
-
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
 
 #include "machines/private_root.h"
+#include "provider/commands/commands.h"
+#include "provider/commands/options.h"
 #include "provider/commands/report_options.h"
 #include "provider/commands/report_output.h"
-#include "provider/exit_codes.h"
+#include "provider/library/collection_progress.h"
 #include "provider/library/lan_collection.h"
 #include "provider/machine/collection_lock.h"
 #include "provider/machine/legacy_commands.h"
 #include "provider/machine/private_view.h"
 #include "provider/machine/provider_environment.h"
 #include "provider/provider_error.h"
-#include "provider/run/collection_session.h"
-#include "provider/run/run_options.h"
+#include "provider/run/run.h"
 
 namespace kvl::provider {
 namespace {
 
-constexpr const char* kExamples =
+constexpr const char* kHelp =
     "Examples:\n"
     "  kvl report\n"
     "  kvl report --vendor 8086 --vendor 14e4 --section physical,team\n"
     "  kvl report --skip offload,coalesce --format xml -o /var/tmp/lan.xml\n"
-    "\n";
+    "\n"
+    "Exit codes:\n"
+    "  0  report written\n"
+    "  1  report written, but something could not be collected (named on standard error)\n"
+    "  2  wrong usage\n"
+    "  3  no report: nothing could be collected, the report could not be written, or the run was\n"
+    "     refused; the reason stands on standard error\n";
 
-[[noreturn]] void refuse(const ReportOptions& options, const CollectionWatch& watch, const std::string& sentence) {
-    const bool mayHelp = options.legacyCommands == LegacyCommands::kNever && watch.command() == "/sbin/ifconfig -a";
-    throw ProviderError(kNothingCollected,
-                        sentence + (mayHelp ? "; '--legacy-commands auto' reads the form of newer systems too" : ""));
+enum ReportExit : int {
+    kReportWritten = 0,
+    kReportIncomplete = 1,  ///< Something could not be collected: named on standard error.
+    kNoReport = 3,          ///< Nothing could be collected or written, or the run was refused.
+};
+
+[[noreturn]] void refuse(const ReportOptions& options, const CommandFollower& commands, const std::string& sentence) {
+    const bool mayHelp = options.legacyCommands == LegacyCommands::kNever && commands.command() == "/sbin/ifconfig -a";
+    throw ProviderError(sentence + (mayHelp ? "; '--legacy-commands auto' reads the form of newer systems too" : ""));
 }
 
-[[noreturn]] void refuseEmptyMachine(const ReportOptions& options, const CollectionWatch& watch) {
-    const bool failed = !watch.failures().empty() && watch.failures().back().command == watch.command();
-    refuse(options, watch,
-           "nothing could be collected: " + watch.command() + " " +
-               (failed ? watch.failures().back().outcome : "told no interface"));
+[[noreturn]] void refuseEmptyMachine(const ReportOptions& options, const CommandFollower& commands) {
+    const bool failed = !commands.failures().empty() && commands.failures().back().command == commands.command();
+    refuse(options, commands,
+           "nothing could be collected: " + commands.command() + " " +
+               (failed ? commands.failures().back().outcome : "told no interface"));
 }
 
 /// Collects and writes the report.
 /// @param file  where it goes; empty for standard output
 /// @return the commands that failed
 std::vector<FailedCommand> makeReport(const ReportOptions& options, const std::string& file) {
-    CollectionDisplay display(displayMode(options.run), std::cerr, terminalWidth());
-    const CollectionSession session(display);
-    ReportOutput output(options, file);
+    Run run(options.run, Turn::kHeld);
+    CollectionProgress progress(run);
+    ReportOutput output(options, file, run);
     try {
-        LanCollection collection(options);
-        if (!collection.collect([&](const auto& interfaces) { display.setInterfaces(interfaces); })) {
-            refuseEmptyMachine(options, session.watch());
+        LanCollection collection(options.lan);
+        if (!collection.collect([&](const auto& interfaces) { progress.setInterfaces(interfaces); })) {
+            refuseEmptyMachine(options, progress.commands());
         }
         const bool written = collection.write(output.documentFile());
-        display.clear();
+        run.display().clear();
         output.finish(written, collection.vendors());
     } catch (const std::logic_error&) {
-        refuse(options, session.watch(),
-               "no report: the output of " + session.watch().command() + " does not have the expected form");
+        refuse(options, progress.commands(),
+               "no report: the output of " + progress.commands().command() + " does not have the expected form");
     }
-    return session.watch().failures();
+    return progress.commands().failures();
 }
 
 int collectAndReport(const ReportOptions& options, const std::string& file) {
@@ -69,7 +78,7 @@ int collectAndReport(const ReportOptions& options, const std::string& file) {
     for (const FailedCommand& failure : failures) {
         std::cerr << "kvl: " << describeFailure(failure) << '\n';
     }
-    return failures.empty() ? kReportWritten : kPartlyCollected;
+    return failures.empty() ? kReportWritten : kReportIncomplete;
 }
 
 SuppliedCommands commandsToSupply(const ReportOptions& options) {
@@ -99,11 +108,11 @@ int report(const ReportOptions& options, const Arguments& arguments) {
 }  // namespace
 
 void addReportCommand(CLI::App& program, Request& request) {
-    CLI::App* command = program.add_subcommand("report", "Report the LAN configuration of this machine");
-    command->footer(std::string(kExamples) + kExitCodesHelp);
+    CLI::App& command = addCommand(program, "report", "Report the LAN configuration of this machine", kHelp);
     const auto options = std::make_shared<ReportOptions>();
-    addReportOptions(*command, *options);
-    command->callback([options, &request] {
+    addReportOptions(command, *options);
+    whenChosen(command, [options, &request] {
+        request.failureCode = kNoReport;
         request.fileToWrite = options->outputFile;
         request.run = [options, arguments = request.arguments] { return report(*options, arguments); };
     });

@@ -1,11 +1,20 @@
 #include "provider/commands/report_options.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 
+#include "provider/commands/options.h"
+
 namespace kvl::provider {
 namespace {
+
+using Places = std::vector<std::size_t>;
+
+/// A section of the report, with its name on the command line.
+struct Section {
+    const char* name;
+    AddSection add;
+};
 
 constexpr std::array<Section, 4> kSections = {{
     {"common", &CLanXmlWriter::SetCommonInfo},
@@ -46,34 +55,6 @@ constexpr std::size_t kLongestModule = 64;
 constexpr const char* kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_";
 constexpr const char* kHexDigits = "0123456789abcdefABCDEF";
 
-template <typename Table>
-std::string namesIn(const Table& table) {
-    std::string names;
-    for (const auto& row : table) {
-        names += (names.empty() ? "" : ",") + std::string(row.name);
-    }
-    return names;
-}
-
-/// Looks the names of a list up in a table. @return the rows in the table's order, each of them once
-template <typename Table>
-std::vector<const typename Table::value_type*> findRows(const char* option, const Table& table,
-                                                        const std::vector<std::string>& names) {
-    for (const std::string& name : names) {
-        const auto hasName = [&](const auto& row) { return row.name == name; };
-        if (std::none_of(table.begin(), table.end(), hasName)) {
-            throw CLI::ValidationError(std::string(option) + ": '" + name + "' is none of " + namesIn(table));
-        }
-    }
-    std::vector<const typename Table::value_type*> rows;
-    for (const auto& row : table) {
-        if (std::find(names.begin(), names.end(), row.name) != names.end()) {
-            rows.push_back(&row);
-        }
-    }
-    return rows;
-}
-
 char lowerDigit(char digit) {
     return digit >= 'A' && digit <= 'F' ? static_cast<char>(digit - 'A' + 'a') : digit;
 }
@@ -83,7 +64,7 @@ std::string checkedVendor(const std::string& given) {
     const bool prefixed = given.rfind("0x", 0) == 0 || given.rfind("0X", 0) == 0;
     const std::string digits = given.substr(prefixed ? 2 : 0);
     if (digits.empty() || digits.size() > kLongestVendor || digits.find_first_not_of(kHexDigits) != std::string::npos) {
-        throw CLI::ValidationError(
+        refuseUsage(
             "--vendor takes a PCI vendor ID of one to four hexadecimal digits, such as 8086, and "
             "not '" +
             given + "'");
@@ -98,7 +79,7 @@ std::string checkedModule(const std::string& module) {
     const bool plain = !module.empty() && module.size() <= kLongestModule &&
                        module.find_first_not_of(std::string(kLetters) + ".-") == std::string::npos;
     if (!plain || module.find_first_of(kLetters) != 0) {
-        throw CLI::ValidationError(
+        refuseUsage(
             "--module takes a name of at most 64 letters, digits, '_', '.' and '-' that begins "
             "with a letter, a digit or '_', and not '" +
             module + "'");
@@ -107,83 +88,63 @@ std::string checkedModule(const std::string& module) {
 }
 
 void addVendorOptions(CLI::App& command, ReportOptions& options) {
-    const auto takeVendors = [&options](const std::vector<std::string>& vendors) {
-        for (const std::string& vendor : vendors) {
-            options.vendors.push_back(checkedVendor(vendor));
-        }
-    };
-    CLI::Option* vendor = command.add_option_function<std::vector<std::string>>(
-        "--vendor", takeVendors, "Report the ports of this PCI vendor, such as 8086; may be repeated");
-    vendor->type_name("ID")->allow_extra_args(false);
-    command.add_flag("--all-vendors", "Report the ports of all vendors that are found (default)")->excludes(vendor);
+    const auto receive = [&options](const std::string& given) { options.lan.vendors.push_back(checkedVendor(given)); };
+    CLI::Option* vendor = addRepeatable(command, "--vendor", receive,
+                                        "Report the ports of this PCI vendor, such as 8086; may be repeated", "ID");
+    forbidTogether(*addFlag(command, "--all-vendors", "Report the ports of all vendors that are found (default)"),
+                   *vendor);
 }
 
-void addContentOptions(CLI::App& command, ReportOptions& options) {
-    const auto takeGroups = [&options](const std::vector<std::string>& names) {
-        for (const Group* group : findRows("--skip", kGroups, names)) {
-            options.skippedGroups.push_back(group->number);
+void addContentOptions(CLI::App& command, LanSelection& lan) {
+    const auto skip = [&lan](const Places& places) {
+        for (const std::size_t place : places) {
+            lan.skippedGroups.push_back(kGroups[place].number);
         }
     };
-    command
-        .add_option_function<std::vector<std::string>>("--skip", takeGroups,
-                                                       "Leave driver settings out: " + namesIn(kGroups))
-        ->delimiter(',')
-        ->type_name("LIST")
-        ->allow_extra_args(false);
-    const auto takeSections = [&options](const std::vector<std::string>& names) {
-        options.sections = findRows("--section", kSections, names);
+    addListOf(command, "--skip", namesOf(kGroups), skip, "Leave driver settings out: " + listed(namesOf(kGroups), ","));
+    const auto choose = [&lan](const Places& places) {
+        lan.sections.clear();
+        for (const std::size_t place : places) {
+            lan.sections.push_back(kSections[place].add);
+        }
     };
-    command
-        .add_option_function<std::vector<std::string>>("--section", takeSections,
-                                                       "Report these sections alone: " + namesIn(kSections))
-        ->delimiter(',')
-        ->type_name("LIST")
-        ->allow_extra_args(false);
-    const auto takeModule = [&options](const std::string& name) { options.module = checkedModule(name); };
-    command
-        .add_option_function<std::string>("--module", takeModule,
-                                          "Name in trace lines and directory of vendor items (default: kvl)")
-        ->type_name("NAME");
+    addListOf(command, "--section", namesOf(kSections), choose,
+              "Report these sections alone: " + listed(namesOf(kSections), ","));
+    addText(
+        command, "--module", [&lan](const std::string& given) { lan.module = checkedModule(given); },
+        "Name in trace lines and directory of vendor items (default: kvl)", "NAME");
 }
 
 void addOutputOptions(CLI::App& command, ReportOptions& options) {
-    const auto takeFile = [&options](const std::string& file) {
+    const auto receiveFile = [&options](const std::string& file) {
         if (file.empty()) {
-            throw CLI::ValidationError("-o takes the name of a file");
+            refuseUsage("-o takes the name of a file");
         }
         options.outputFile = file;
     };
-    command
-        .add_option_function<std::string>("-o,--output", takeFile,
-                                          "Write the report to this file, and one line on what it holds")
-        ->type_name("FILE");
-    const auto takeFormat = [&options](const std::string& name) {
-        options.format = findRows("--format", kFormats, {name}).front()->value;
-    };
-    command.add_option_function<std::string>("--format", takeFormat, "'text' for eyes (default), 'xml' for programs")
-        ->type_name("text|xml");
+    addText(command, "-o,--output", receiveFile, "Write the report to this file, and one line on what it holds",
+            "FILE");
+    const auto receiveFormat = [&options](std::size_t place) { options.format = kFormats[place].value; };
+    addOneOf(command, "--format", namesOf(kFormats), ",", receiveFormat,
+             "'text' for eyes (default), 'xml' for programs");
 }
 
 void addViewOptions(CLI::App& command, ReportOptions& options) {
-    const auto takeChoice = [&options](const std::string& name) {
-        options.legacyCommands = findRows("--legacy-commands", kChoices, {name}).front()->value;
-    };
-    command
-        .add_option_function<std::string>("--legacy-commands", takeChoice,
-                                          "Where this machine's commands print newer forms than the parser\n"
-                                          "reads: run in a private view of it with the older ones (auto,\n"
-                                          "default), or don't (never)")
-        ->type_name("auto|never");
+    const auto receive = [&options](std::size_t place) { options.legacyCommands = kChoices[place].value; };
+    addOneOf(command, "--legacy-commands", namesOf(kChoices), ",", receive,
+             "Where this machine's commands print newer forms than the parser\n"
+             "reads: run in a private view of it with the older ones (auto,\n"
+             "default), or don't (never)");
 }
 
 }  // namespace
 
 void addReportOptions(CLI::App& command, ReportOptions& options) {
     for (const Section& section : kSections) {
-        options.sections.push_back(&section);
+        options.lan.sections.push_back(section.add);
     }
     addVendorOptions(command, options);
-    addContentOptions(command, options);
+    addContentOptions(command, options.lan);
     addOutputOptions(command, options);
     addViewOptions(command, options);
     addRunOptions(command, options.run);

@@ -1,11 +1,9 @@
 #ifndef KVL_PROVIDER_COMMANDS_REPORT_OPTIONS_H
 #define KVL_PROVIDER_COMMANDS_REPORT_OPTIONS_H
 
-#include <list>
 #include <string>
-#include <vector>
 
-#include "lan_report/CLanXmlWriter.h"
+#include "provider/library/lan_collection.h"
 #include "provider/run/run_options.h"
 
 namespace CLI {
@@ -14,21 +12,12 @@ class App;
 
 namespace kvl::provider {
 
-/// A section of the report, with its name on the command line.
-struct Section {
-    const char* name;
-    void (CLanXmlWriter::*add)();
-};
-
 enum class Format { kText, kXml };
 enum class LegacyCommands { kAuto, kNever };
 
 /// What `kvl report` was asked for.
 struct ReportOptions {
-    std::list<std::string> vendors;        ///< PCI vendors, without "0x"; empty: all that are found
-    std::vector<int> skippedGroups;        ///< numbers of ethtool groups, as the collector knows them
-    std::vector<const Section*> sections;  ///< in the order of the report
-    std::string module = "kvl";
+    LanSelection lan;
     std::string outputFile;  ///< empty: standard output
     Format format = Format::kText;
     LegacyCommands legacyCommands = LegacyCommands::kAuto;

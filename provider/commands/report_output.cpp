@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <iterator>
 
 #include "provider/machine/provider_environment.h"
@@ -28,11 +27,6 @@ bool writeFile(const std::string& path, const std::string& content) {
     return file.write(content.data(), content.size()) && file.commit();
 }
 
-bool writeStandardOutput(const std::string& content) {
-    std::cout << content << std::flush;
-    return std::cout.good();
-}
-
 std::string listed(const std::list<std::string>& vendors) {
     std::string text = vendors.empty() ? "no vendor" : vendors.size() == 1 ? "vendor " : "vendors ";
     for (const std::string& vendor : vendors) {
@@ -51,19 +45,18 @@ void checkOutputFile(const std::string& file) {
     const fs::path parent = fs::path(file).parent_path();
     const fs::path directory = parent.empty() ? "." : parent;
     if (!fs::is_directory(directory, error)) {
-        throw ProviderError(kWrongUsage, "-o " + file + ": there is no directory " + directory.string());
+        throw WrongUsage("-o " + file + ": there is no directory " + directory.string());
     }
     if (fs::exists(file, error) && !fs::is_regular_file(file, error)) {
-        throw ProviderError(kWrongUsage,
-                            "-o " + file + " is no regular file; leave -o out to write to standard output");
+        throw WrongUsage("-o " + file + " is no regular file; leave -o out to write to standard output");
     }
     if (access(directory.c_str(), W_OK) != 0) {
-        throw ProviderError(kWrongUsage, "-o " + file + ": you can't write into the directory " + directory.string());
+        throw WrongUsage("-o " + file + ": you can't write into the directory " + directory.string());
     }
 }
 
-ReportOutput::ReportOutput(const ReportOptions& options, const std::string& file)
-    : options_(options), file_(file), documentFile_(std::string(kResultDirectory) + "/report.xml") {
+ReportOutput::ReportOutput(const ReportOptions& options, const std::string& file, const Run& run)
+    : options_(options), run_(run), file_(file), documentFile_(std::string(kResultDirectory) + "/report.xml") {
     if (options.format == Format::kXml && !file.empty()) {
         documentFile_ = file;
     }
@@ -82,9 +75,8 @@ void ReportOutput::removeTemporary() const {
 void ReportOutput::finish(bool written, const std::list<std::string>& vendors) {
     const std::string target = options_.outputFile.empty() ? "standard output" : options_.outputFile;
     if (!written) {
-        throw ProviderError(kNothingCollected, "the report could not be written to " +
-                                                   (isTemporary() ? documentFile_ : target) +
-                                                   ": see whether the directory can be written and the disk has room");
+        throw ProviderError("the report could not be written to " + (isTemporary() ? documentFile_ : target) +
+                            ": see whether the directory can be written and the disk has room");
     }
     const pugi::xml_document document = loadReport(documentFile_);
     if (isTemporary()) {
@@ -92,17 +84,17 @@ void ReportOutput::finish(bool written, const std::list<std::string>& vendors) {
         const std::string content = asText ? reportText(document) : contentOf(documentFile_);
         removeTemporary();  // now, since a reader that goes away ends this process
         if (!writeTarget(content)) {
-            throw ProviderError(kNothingCollected, "the report could not be written to " + target +
-                                                       ": see whether it can be written and there is room for it");
+            throw ProviderError("the report could not be written to " + target +
+                                ": see whether it can be written and there is room for it");
         }
     }
     if (!options_.outputFile.empty()) {
-        std::cout << target << ": " << countedContent(document) << " (" << listed(vendors) << ")" << std::endl;
+        run_.print(target + ": " + countedContent(document) + " (" + listed(vendors) + ")\n");
     }
 }
 
 bool ReportOutput::writeTarget(const std::string& content) const {
-    return file_.empty() ? writeStandardOutput(content) : writeFile(file_, content);
+    return file_.empty() ? run_.print(content) : writeFile(file_, content);
 }
 
 }  // namespace kvl::provider

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "provider/commands/report_options.h"
+#include "provider/run/run.h"
 
 namespace kvl::provider {
 
@@ -19,7 +20,8 @@ class ReportOutput {
 public:
     /// @param file  where the file that was asked for is found, which in a private view is another place than the one
     ///              that was named; empty for standard output
-    ReportOutput(const ReportOptions& options, const std::string& file);
+    /// @param run   prints what goes to standard output
+    ReportOutput(const ReportOptions& options, const std::string& file, const Run& run);
     ~ReportOutput();
 
     ReportOutput(const ReportOutput&) = delete;
@@ -39,6 +41,7 @@ private:
     bool writeTarget(const std::string& content) const;
 
     const ReportOptions& options_;
+    const Run& run_;
     std::string file_;
     std::string documentFile_;
 };

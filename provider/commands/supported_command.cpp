@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -9,22 +8,27 @@
 
 #include "host/CFileUtility.h"
 #include "host/HostFunctions.h"
-#include "provider/commands/adapter_commands.h"
-#include "provider/commands/adapter_words.h"
 #include "provider/commands/answer.h"
+#include "provider/commands/arguments.h"
+#include "provider/commands/commands.h"
+#include "provider/commands/options.h"
 #include "provider/output/text_block.h"
 
 namespace kvl::provider {
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Texts = std::list<std::string>;
 
-constexpr const char* kExamples =
+constexpr const char* kHelp =
     "Examples:\n"
     "  kvl supported\n"
     "  kvl supported --family fc --format json\n"
-    "\n";
+    "\n"
+    "Exit codes:\n"
+    "  0   the catalogue is listed\n"
+    "  1   the same, but one family's is missing or can't be right (named on standard error)\n"
+    "  2   wrong usage\n"
+    "  3   there is none that could be listed; the reason stands on standard error\n";
 
 constexpr int kMostDevices = 10'000;
 
@@ -99,11 +103,11 @@ std::optional<Failure> findFault(const Catalogue& catalogue) {
 }
 
 /// One failure for all catalogues, of which none can be listed.
-Failure joined(const std::vector<Note>& notes) {
-    Failure all = *notes.front().failure;
-    for (auto note = notes.begin() + 1; note != notes.end(); ++note) {
-        all.meaning += "; " + note->failure->meaning;
-        all.next += note->failure->next != all.next ? "; " + note->failure->next : "";
+Failure joined(const std::vector<Gap>& gaps) {
+    Failure all = *gaps.front().failure;
+    for (auto gap = gaps.begin() + 1; gap != gaps.end(); ++gap) {
+        all.meaning += "; " + gap->failure->meaning;
+        all.next += gap->failure->next != all.next ? "; " + gap->failure->next : "";
     }
     return all;
 }
@@ -158,30 +162,28 @@ Answer list(const SupportedOptions& options) {
             continue;
         }
         if (const std::optional<Failure> fault = findFault(catalogue)) {
-            answer.notes.emplace_back("", *fault);
+            answer.gaps.emplace_back("", *fault);
         } else {
             add(catalogue, answer, documents);
         }
     }
     if (documents.empty()) {
-        throw AdapterFailure(joined(answer.notes));
+        throw AdapterFailure(joined(answer.gaps));
     }
-    answer.document = jsonText({{"catalogues", documents}});
-    answer.exitCode = answer.notes.empty() ? kReportWritten : kPartlyCollected;
+    answer.document = {{"catalogues", documents}};
+    answer.exitCode = answer.gaps.empty() ? kAnswered : kIncomplete;
     return answer;
 }
 
 }  // namespace
 
 void addSupportedCommand(CLI::App& program, Request& request) {
-    CLI::App* command = program.add_subcommand("supported", "List the adapters that are supported");
-    command->footer(std::string(kExamples) + kSupportedExitCodesHelp);
+    CLI::App& command = addCommand(program, "supported", "List the adapters that are supported", kHelp);
     const auto options = std::make_shared<SupportedOptions>();
-    addFamily(*command, options->family, "List those of this family alone");
-    addAnswerFormat(*command, options->format);
-    command->callback([options, &request] {
-        request.run = [options] { return printAnswer(options->format, [options] { return list(*options); }); };
-    });
+    addFamily(command, options->family, "List those of this family alone");
+    addAnswerFormat(command, options->format);
+    whenChosen(command,
+               [options, &request] { answerWith(request, options->format, [options] { return list(*options); }); });
 }
 
 }  // namespace kvl::provider

@@ -1,32 +1,41 @@
-#include <CLI/CLI.hpp>
 #include <array>
 #include <cstdlib>
 #include <memory>
 #include <vector>
 
 #include "adapter/CEmulexCommon.h"
-#include "provider/commands/adapter_words.h"
 #include "provider/commands/answer.h"
-#include "provider/commands/update_commands.h"
-#include "provider/library/tool_check_watch.h"
+#include "provider/commands/arguments.h"
+#include "provider/commands/commands.h"
+#include "provider/commands/options.h"
+#include "provider/library/silent_install.h"
 #include "provider/library/working_tree.h"
 #include "provider/output/text_block.h"
-#include "provider/run/adapter_session.h"
+#include "provider/run/run.h"
 
 namespace kvl::provider {
 namespace {
 
-using Json = nlohmann::ordered_json;
-using Reason = ToolCheckReason;
+using Fault = SilentInstallFault;
 
-constexpr const char* kExamples =
+constexpr const char* kHelp =
     "Examples:\n"
     "  kvl tool-check\n"
     "  kvl tool-check --format json\n"
     "\n"
     "The settings in /etc/emulexDiscConfig and /etc/emulexRMConfig are looked at, and whether rpm\n"
     "lists the package elxocmjvm.\n"
-    "\n";
+    "\n"
+    "Exit codes:\n"
+    "  0   the tool stands as a silent install left it\n"
+    "  2   wrong usage\n"
+    "  3   that could not be told; the reason stands on standard error\n"
+    "  17  it does not\n";
+
+/// What is found beside 0 for a silent install.
+enum ToolCheckExit : int {
+    kToolNotSilent = 17,
+};
 
 struct CheckOptions {
     std::string family = kCna;
@@ -34,20 +43,20 @@ struct CheckOptions {
     RunOptions run;
 };
 
-struct NamedReason {
-    Reason reason;
+struct NamedFault {
+    Fault fault;
     const char* name;
 };
 
-constexpr std::array<NamedReason, 3> kReasons = {{
-    {Reason::kWrongLine, "wrong-line"},
-    {Reason::kMissingLines, "missing-lines"},
-    {Reason::kPackage, "package-installed"},
+constexpr std::array<NamedFault, 3> kFaults = {{
+    {Fault::kWrongLine, "wrong-line"},
+    {Fault::kMissingLines, "missing-lines"},
+    {Fault::kPackage, "package-installed"},
 }};
 
-Json nameOf(Reason reason) {
-    for (const NamedReason& row : kReasons) {
-        if (row.reason == reason) {
+Json nameOf(Fault fault) {
+    for (const NamedFault& row : kFaults) {
+        if (row.fault == fault) {
             return row.name;
         }
     }
@@ -68,14 +77,14 @@ std::string quotedLines(const std::vector<std::string>& lines) {
     return joined(words);
 }
 
-std::string sentence(const ToolCheckFinding& finding) {
-    switch (finding.reason) {
-        case Reason::kWrongLine:
+std::string sentence(const SilentInstallFinding& finding) {
+    switch (finding.fault) {
+        case Fault::kWrongLine:
             return finding.file + " has the line " + shownLine(finding.line) + " where '" + finding.expected.front() +
                    "' belongs";
-        case Reason::kMissingLines:
+        case Fault::kMissingLines:
             return finding.file + " lacks " + quotedLines(finding.expected);
-        case Reason::kPackage:
+        case Fault::kPackage:
             return "the package elxocmjvm is installed, which a silent install leaves out";
         default:
             return "";
@@ -83,24 +92,23 @@ std::string sentence(const ToolCheckFinding& finding) {
 }
 
 /// @throws AdapterFailure if the check didn't come to an answer
-void needAnswer(const ToolCheckFinding& finding) {
-    if (finding.reason == Reason::kFileNotOpened) {
+void requireAnswer(const SilentInstallFinding& finding) {
+    if (finding.fault == Fault::kFileNotOpened) {
         Failure failure = failureOf(kFileNotOpened);
         failure.meaning = finding.file + " could not be opened";
         failure.next =
             "see whether the OneCommand Manager is installed, which brings its settings, and run this as root";
         throw AdapterFailure(failure);
     }
-    if (finding.reason == Reason::kRpmFailed) {
+    if (finding.fault == Fault::kPackagesUnknown) {
         Failure failure = toolFailure("the installed packages could not be told");
-        failure.next =
-            "see whether " + adapterTree() + "/temp/rpm_grep_result.txt can be written and the disk has room";
+        failure.next = "see whether " + WorkingTree::inUse().packagesFile() + " can be written and the disk has room";
         throw AdapterFailure(failure);
     }
 }
 
 /// The check takes an rpm that doesn't answer for one that doesn't list the package.
-void needRpm() {
+void requireRpm() {
     if (std::system("rpm -qa >/dev/null 2>&1") != 0) {
         Failure failure = toolFailure("'rpm -qa' failed, so whether the package elxocmjvm is installed can't be told");
         failure.next = "run that command by hand, and see what it prints";
@@ -108,50 +116,52 @@ void needRpm() {
     }
 }
 
-Answer answerOf(const ToolCheckFinding& finding, bool isSilent) {
+Answer answerOf(const SilentInstallFinding& finding, bool isSilent) {
     Answer answer;
     answer.text = isSilent ? "silent install\n" : "not a silent install: " + sentence(finding) + "\n";
     Json file = finding.file.empty() ? Json(nullptr) : Json(finding.file);
-    Json line = finding.reason == Reason::kWrongLine ? Json(finding.line) : Json(nullptr);
-    answer.document = jsonText({{"silent", isSilent},
-                                {"reason", nameOf(finding.reason)},
-                                {"file", file},
-                                {"line", line},
-                                {"expected", finding.expected}});
-    answer.exitCode = isSilent ? kReportWritten : kToolNotSilent;
+    Json line = finding.fault == Fault::kWrongLine ? Json(finding.line) : Json(nullptr);
+    answer.document = {{"silent", isSilent},
+                       {"reason", nameOf(finding.fault)},
+                       {"file", file},
+                       {"line", line},
+                       {"expected", finding.expected}};
+    answer.exitCode = isSilent ? static_cast<int>(kAnswered) : kToolNotSilent;
     return answer;
 }
 
 Answer check(const CheckOptions& options) {
-    ToolCheckWatch watch;
-    AdapterSession session(options.run);
-    needAdapterTree();
-    if (session.display() != nullptr) {
-        session.display()->begin("the tool's settings and rpm -qa");
+    SilentInstallFollower follower;
+    Run run(options.run, Turn::kTake);
+    WorkingTree::inUse().make();
+    run.display().countUp("the tool's settings and rpm -qa");
+    bool isSilent = false;
+    {
+        const auto follow = [&follower](TRACE_DBG_LEVEL level, const std::string& text) {
+            follower.follow(level, text);
+        };
+        const Listening listening(run, {follow, {}, {}, {}});
+        isSilent = CEmulexCommon::OCMInstallCheck("", "OCM", options.family);
     }
-    session.watchProcedure(&watch);
-    const bool isSilent = CEmulexCommon::OCMInstallCheck("", "OCM", options.family);
-    session.watchProcedure(nullptr);
-    needAnswer(watch.finding());
+    const SilentInstallFinding& finding = follower.finding();
+    requireAnswer(finding);
     if (isSilent) {
-        needRpm();
+        requireRpm();
     }
-    return answerOf(watch.finding(), isSilent);
+    return answerOf(finding, isSilent);
 }
 
 }  // namespace
 
 void addToolCheckCommand(CLI::App& program, Request& request) {
-    CLI::App* command =
-        program.add_subcommand("tool-check", "Tell whether the management tool stands as a silent install left it");
-    command->footer(std::string(kExamples) + kToolCheckExitCodesHelp);
+    CLI::App& command =
+        addCommand(program, "tool-check", "Tell whether the management tool stands as a silent install left it", kHelp);
     const auto options = std::make_shared<CheckOptions>();
-    addFamily(*command, options->family, "The name in the trace (default: cna)");
-    addAnswerFormat(*command, options->format);
-    addRunOptions(*command, options->run);
-    command->callback([options, &request] {
-        request.run = [options] { return printAnswer(options->format, [options] { return check(*options); }); };
-    });
+    addFamily(command, options->family, "The name in the trace (default: cna)");
+    addAnswerFormat(command, options->format);
+    addRunOptions(command, options->run);
+    whenChosen(command,
+               [options, &request] { answerWith(request, options->format, [options] { return check(*options); }); });
 }
 
 }  // namespace kvl::provider

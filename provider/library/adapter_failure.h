@@ -44,8 +44,7 @@ std::string describe(const Failure& failure);
 /// Ends the program with such a failure.
 class AdapterFailure : public ProviderError {
 public:
-    explicit AdapterFailure(const Failure& failure)
-        : ProviderError(kNothingCollected, describe(failure)), failure_(failure) {}
+    explicit AdapterFailure(const Failure& failure) : ProviderError(describe(failure)), failure_(failure) {}
 
     const Failure& failure() const { return failure_; }
 

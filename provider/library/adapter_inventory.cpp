@@ -1,15 +1,17 @@
 #include "provider/library/adapter_inventory.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
 #include <fstream>
+#include <map>
 #include <stdexcept>
 
 #include "adapter/CEmulexCommon.h"
-#include "adapter/adapter_record.h"
-#include "provider/library/adapter_tool.h"
 #include "provider/library/working_tree.h"
 #include "provider/machine/pci_devices.h"
 #include "provider/output/text_block.h"
@@ -21,8 +23,6 @@ using Record = AdapterRecord;
 using Records = std::vector<Record>;
 
 constexpr const char* kListArguments = " listhbas";
-constexpr const char* kNameKey = "Port WWN";
-constexpr const char* kMacKey = "Permanent MAC";
 constexpr const char* kBusKey = "PCI Bus Number";
 constexpr const char* kFunctionKey = "PCI Function";
 constexpr std::size_t kKeysOfRecord = 6;
@@ -32,7 +32,7 @@ constexpr int kLargestPciNumber = 255;
 constexpr int kLastBusOfManyFunctions = 9;
 
 std::string addressOf(const Record& record) {
-    const std::string name = valueOf(record, kNameKey);
+    const std::string name = valueOf(record, kWwnKey);
     return name.empty() ? valueOf(record, kMacKey) : name;
 }
 
@@ -70,29 +70,9 @@ auto guarded(const Call& call) {
     }
 }
 
-/// Says on the operator's terminal what this program itself is busy with, as long as the object lives.
-class ShownWork {
-public:
-    ShownWork(WaitDisplay* display, const std::string& what) : display_(display) {
-        if (display_ != nullptr) {
-            display_->begin(what);
-        }
-    }
-    ~ShownWork() {
-        if (display_ != nullptr) {
-            display_->clear();
-        }
-    }
-    ShownWork(const ShownWork&) = delete;
-    ShownWork& operator=(const ShownWork&) = delete;
-
-private:
-    WaitDisplay* display_;
-};
-
 /// How many ports the tool has listed, roughly: what a list of another form holds is for the library to say.
 std::size_t countListedPorts() {
-    std::ifstream list(adapterListFile());
+    std::ifstream list(WorkingTree::inUse().adapterListFile());
     std::size_t ports = 0;
     for (std::string line; std::getline(list, line);) {
         ports += line.find(kFunctionKey) != std::string::npos ? 1 : 0;
@@ -153,7 +133,8 @@ std::string deviceOf(const Record& record, FunctionCounts& counts) {
 void explainBlank(Failure& failure) {
     std::pair<std::string, std::string> told;
     if (failure.name == kNoDumpName &&
-        CEmulexCommon::GetKeyValueFromFile_(dumpDirectoryFile(), "Dump Directory", "=", told, kCna, 0) &&
+        CEmulexCommon::GetKeyValueFromFile_(WorkingTree::inUse().dumpDirectoryFile(), "Dump Directory", "=", told, kCna,
+                                            0) &&
         told.second.find(' ') != std::string::npos) {
         failure.next = "have the tool keep its dumps in a directory without a blank in its name, unlike '" +
                        printable(told.second) + "', in which they aren't found";
@@ -162,19 +143,37 @@ void explainBlank(Failure& failure) {
 
 }  // namespace
 
-AdapterInventory::AdapterInventory(AdapterSession& session) : session_(session) {
-    needAdapterTree();
+std::string requireTool() {
+    CEmulexCommon::SetLastError(0);
+    std::string tool;
+    if (!CEmulexCommon::GetOCMManagerInstallPath(&tool, kCna)) {
+        throw AdapterFailure(lastFailure());
+    }
+    if (faccessat(AT_FDCWD, tool.c_str(), X_OK, AT_EACCESS) != 0) {
+        throw AdapterFailure(ownFailure("tool-not-executable", tool + " can't be executed",
+                                        "as root, see its mode, or install the OneCommand Manager anew"));
+    }
+    return tool;
+}
+
+std::string familyOf(const AdapterRecord& record) {
+    return familyOfType(valueOf(record, "Port Type"));
+}
+
+AdapterInventory::AdapterInventory(Run& run) : run_(run), commands_(run) {
+    WorkingTree::inUse().make();
 }
 
 void AdapterInventory::refreshList() const {
-    const std::string tool = needTool();
-    if (CEmulexCommon::ExecCommand_(tool + kListArguments + " > " + adapterListFile(), kCna) != 0) {
-        throw AdapterFailure(commandFailure());
+    const std::string tool = requireTool();
+    if (CEmulexCommon::ExecCommand_(tool + kListArguments + " > " + WorkingTree::inUse().adapterListFile(), kCna) !=
+        0) {
+        throw AdapterFailure(commands_.lastCallFailure());
     }
 }
 
 std::vector<Adapter> AdapterInventory::ports() const {
-    const ShownWork shown(session_.display(), "reading the list of " + std::to_string(countListedPorts()) + " ports");
+    const Counting shown(run_.display(), "reading the list of " + std::to_string(countListedPorts()) + " ports");
     const Records records = readList();
     FunctionCounts counts(records);
     std::vector<Adapter> ports;
@@ -203,7 +202,7 @@ Records AdapterInventory::readList() const {
 }
 
 std::string AdapterInventory::familyOf(const std::string& device) const {
-    return familyOfType(valueOf(find(device, kCna), "Port Type"));
+    return kvl::provider::familyOf(find(device, kCna));
 }
 
 NamesAndValues AdapterInventory::describePort(const std::string& device, std::optional<Failure>& missing) const {
@@ -233,30 +232,20 @@ VersionAnswer AdapterInventory::version(const std::string& device, const ModuleK
                                         const std::string& family) const {
     VersionAnswer answer;
     try {
-        if (refresh || !isCached(device, family)) {
+        if (refresh || !WorkingTree::inUse().isCached(device, family)) {
             checkAddress(device, family);
         }
-        session_.forgetCommand();
+        commands_.forgetLast();
         if (!guarded([&] {
                 return CEmulexCommon::GetOperatingVersion(device, kind.value, &answer.version, refresh, family);
             })) {
-            answer.failure = commandFailure();
+            answer.failure = commands_.lastCallFailure();
             explainBlank(*answer.failure);
         }
     } catch (const AdapterFailure& failure) {
         answer.failure = failure.failure();
     }
     return answer;
-}
-
-/// The tool's failures come first: a code that is there as well belongs to an earlier try.
-Failure AdapterInventory::commandFailure() const {
-    const AdapterWatch& watch = session_.watch();
-    if (watch.outcome().empty()) {
-        return lastFailure();
-    }
-    const std::string words = printable(session_.toolsWords());
-    return toolFailure(watch.command() + " " + watch.outcome() + (words.empty() ? "" : ", saying '" + words + "'"));
 }
 
 Record AdapterInventory::find(const std::string& device, const std::string& family) const {
@@ -271,7 +260,7 @@ Record AdapterInventory::find(const std::string& device, const std::string& fami
 /// have.
 void AdapterInventory::checkAddress(const std::string& device, const std::string& family) const {
     const Record record = find(device, family);
-    const std::string address = valueOf(record, hasWorldWideName(record) ? kNameKey : kMacKey);
+    const std::string address = valueOf(record, hasWorldWideName(record) ? kWwnKey : kMacKey);
     if (address.empty() || !isPlainAddress(address)) {
         throw AdapterFailure(formFailure("hbacmd's list tells no proper address of " + device));
     }

@@ -2,15 +2,15 @@
 #define KVL_PROVIDER_LIBRARY_ADAPTER_INVENTORY_H
 
 #include <list>
-#include <map>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "provider/commands/adapter_words.h"
+#include "adapter/adapter_record.h"
 #include "provider/library/adapter_failure.h"
-#include "provider/run/adapter_session.h"
+#include "provider/library/adapter_kinds.h"
+#include "provider/library/tool_commands.h"
 
 namespace kvl::provider {
 
@@ -35,11 +35,21 @@ struct VersionAnswer {
 
 using NamesAndValues = std::list<std::pair<std::string, std::string>>;
 
+/// The path of the adapter tool.
+/// @throws AdapterFailure if it isn't installed, or can't be executed
+std::string requireTool();
+
+/// The family of the port that a record of the list describes.
+std::string familyOf(const AdapterRecord& record);
+
 /// The library's inventory calls, in the order that it asks for. What fails throws AdapterFailure.
 class AdapterInventory {
 public:
     /// Makes the working tree.
-    explicit AdapterInventory(AdapterSession& session);
+    explicit AdapterInventory(Run& run);
+
+    /// Names what the next calls are about, for the display.
+    void setSubject(const std::string& subject) const { commands_.setSubject(subject); }
 
     /// Has the tool write the list of the ports, which all other calls read.
     void refreshList() const;
@@ -59,17 +69,15 @@ public:
     VersionAnswer version(const std::string& device, const ModuleKind& kind, bool refresh,
                           const std::string& family) const;
 
-    using Record = std::map<std::string, std::string>;
-
     /// What the list tells of the port at a location, by the tool's own keys.
-    Record find(const std::string& device, const std::string& family) const;
+    AdapterRecord find(const std::string& device, const std::string& family) const;
 
 private:
-    Failure commandFailure() const;
-    std::vector<Record> readList() const;
+    std::vector<AdapterRecord> readList() const;
     void checkAddress(const std::string& device, const std::string& family) const;
 
-    AdapterSession& session_;
+    Run& run_;
+    mutable ToolCommands commands_;
 };
 
 }  // namespace kvl::provider

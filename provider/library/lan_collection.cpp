@@ -13,10 +13,10 @@ void addOnce(std::list<std::string>& list, const std::string& text) {
 
 }  // namespace
 
-LanCollection::LanCollection(const ReportOptions& options) : options_(options), collector_(options.module) {}
+LanCollection::LanCollection(const LanSelection& selection) : selection_(selection), collector_(selection.module) {}
 
 bool LanCollection::collect(const std::function<void(const std::vector<std::string>&)>& foundInterfaces) {
-    for (const int group : options_.skippedGroups) {
+    for (const int group : selection_.skippedGroups) {
         collector_.DisableEthtoolOption(group);
     }
     strarray_t interfaces;
@@ -33,10 +33,10 @@ bool LanCollection::collect(const std::function<void(const std::vector<std::stri
 }
 
 bool LanCollection::write(const std::string& file) {
-    vendors_ = options_.vendors.empty() ? findVendors() : options_.vendors;
-    CLanXmlWriter writer(vendors_, &collector_, options_.module);
-    for (const Section* section : options_.sections) {
-        (writer.*section->add)();
+    vendors_ = selection_.vendors.empty() ? findVendors() : selection_.vendors;
+    CLanXmlWriter writer(vendors_, &collector_, selection_.module);
+    for (const AddSection add : selection_.sections) {
+        (writer.*add)();
     }
     return writer.Write(file);
 }

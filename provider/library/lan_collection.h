@@ -8,15 +8,25 @@
 
 #include "collector/CNetworkParameter.h"
 #include "lan_report/CLanXmlWriter.h"
-#include "provider/commands/report_options.h"
 
 namespace kvl::provider {
+
+/// Has the writer add a section to the report.
+using AddSection = void (CLanXmlWriter::*)();
+
+/// What a report is about.
+struct LanSelection {
+    std::list<std::string> vendors;    ///< PCI vendors, without "0x"; empty: all that are found
+    std::vector<int> skippedGroups;    ///< numbers of ethtool groups, as the collector knows them
+    std::vector<AddSection> sections;  ///< in the order of the report
+    std::string module = "kvl";
+};
 
 /// The library's calls for one LAN report, in the order that it asks for.
 class LanCollection {
 public:
     /// Runs the first command.
-    explicit LanCollection(const ReportOptions& options);
+    explicit LanCollection(const LanSelection& selection);
 
     /// Collects everything.
     /// @param foundInterfaces  is told the interfaces, in the order in which their drivers are asked next
@@ -33,7 +43,7 @@ public:
 private:
     std::list<std::string> findVendors();
 
-    const ReportOptions& options_;
+    const LanSelection& selection_;
     CNetworkParameter collector_;
     std::list<std::string> vendors_;
 };

@@ -9,9 +9,10 @@
 
 #include "adapter/CEmulexCommon.h"
 #include "host/CFileUtility.h"
-#include "provider/commands/adapter_words.h"
 #include "provider/library/adapter_failure.h"
+#include "provider/library/adapter_kinds.h"
 #include "provider/machine/provider_environment.h"
+#include "reference_host/install_path.h"
 
 namespace kvl::provider {
 namespace {
@@ -19,7 +20,7 @@ namespace {
 constexpr mode_t kOthersWrite = 022;
 
 [[noreturn]] void refuse(const std::string& directory, const std::string& why) {
-    throw ProviderError(kNothingCollected, "the adapters' directory " + directory + " " + why);
+    throw ProviderError("the adapters' directory " + directory + " " + why);
 }
 
 void checkOwnership(const std::string& directory) {
@@ -53,41 +54,45 @@ bool isDenied(const std::string& directory) {
     return false;
 }
 
+/// What the library calls the directories of a family.
+const char* directoryOf(const std::string& family) {
+    return family == kCna ? "CNA" : "FC";
+}
+
 }  // namespace
 
-std::string adapterTree() {
-    return CFileUtility::GetInstallPath(0) + "/tmp/EMULEX";
+WorkingTree WorkingTree::inUse() {
+    return WorkingTree(host::installPath());
 }
 
-std::string adapterListFile() {
-    return adapterTree() + "/temp/Listhbas.txt";
+WorkingTree WorkingTree::installed() {
+    return WorkingTree(host::configuredInstallPath());
 }
 
-std::string dumpDirectoryFile() {
-    return adapterTree() + "/temp/DumpDirectory.txt";
+std::string WorkingTree::updateDirectory(const std::string& family) const {
+    return temporary(directoryOf(family));
 }
 
-bool isCached(const std::string& device, const std::string& family) {
-    return CFileUtility::IsFileExist(adapterTree() + "/cache/" + (family == kCna ? "CNA" : "FC") + "/CacheDump_" +
-                                     CONVERT_DEVID(device) + ".txt");
+bool WorkingTree::isCached(const std::string& device, const std::string& family) const {
+    return CFileUtility::IsFileExist(path_ + "/cache/" + directoryOf(family) + "/CacheDump_" + CONVERT_DEVID(device) +
+                                     ".txt");
 }
 
-void needAdapterTree() {
-    const std::string tree = adapterTree();
-    if (!isPlainPath(tree)) {
-        refuse(tree, "holds characters that a shell would not take as they are: choose another install directory");
+void WorkingTree::make() const {
+    if (!isPlainPath(path_)) {
+        refuse(path_, "holds characters that a shell would not take as they are: choose another install directory");
     }
-    makeParents(tree);
+    makeParents(path_);
     CEmulexCommon::SetLastError(0);
     if (!CEmulexCommon::CreateLocalDirectory()) {
         Failure failure = lastFailure();
-        if (isDenied(tree + "/cache") || isDenied(tree + "/temp")) {
+        if (isDenied(path_ + "/cache") || isDenied(path_ + "/temp")) {
             failure.next = "run kvl as root";
         }
         throw AdapterFailure(failure);
     }
     for (const char* directory : {"", "/cache", "/cache/FC", "/cache/CNA", "/temp"}) {
-        checkOwnership(tree + directory);
+        checkOwnership(path_ + directory);
     }
 }
 

@@ -1,17 +1,11 @@
 #include "provider/machine/child_program.h"
 
-#include <fcntl.h>
 #include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <system_error>
-
-#include "machines/descriptor.h"
-#include "reference_host/file_descriptor.h"
+#include <optional>
 
 namespace kvl::provider {
 namespace {
@@ -81,55 +75,16 @@ private:
     std::array<struct sigaction, kEndingSignals.size()> before_{};
 };
 
-std::vector<char*> pointers(std::vector<std::string>& words) {
-    std::vector<char*> list;
-    list.reserve(words.size() + 1);
-    for (std::string& word : words) {
-        list.push_back(word.data());
-    }
-    list.push_back(nullptr);
-    return list;
-}
-
-int waitFor(pid_t process) {
-    int status = 0;
-    while (waitpid(process, &status, 0) < 0) {
-        if (errno != EINTR) {
-            throw std::system_error(errno, std::generic_category(), "waiting for bubblewrap");
-        }
-    }
-    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
-}
-
 }  // namespace
 
-SandboxEnding runSandbox(std::vector<std::string> words) {
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-        throw std::system_error(errno, std::generic_category(), "pipe");
-    }
-    const host::FileDescriptor statusIn(ends[0]);
-    host::FileDescriptor statusOut(ends[1]);
-    words.insert(words.begin() + 1, {"--json-status-fd", std::to_string(statusOut.number())});
-    std::vector<char*> list = pointers(words);
-
+machines::BubblewrapEnding runSandbox(const std::vector<std::string>& words) {
     const HeldSignals held;
-    const pid_t process = fork();
-    if (process < 0) {
-        throw std::system_error(errno, std::generic_category(), "fork");
-    }
-    if (process == 0) {
-        fcntl(statusOut.number(), F_SETFD, 0);
-        held.release();
-        execv(list.front(), list.data());
-        _exit(127);
-    }
-    const PassedSignals passed(process);
-    held.release();
-    statusOut.close();
-    // bubblewrap tells an exit code only if it has started the program.
-    const bool ran = machines::readAll(statusIn.number()).find("exit-code") != std::string::npos;
-    return {ran, waitFor(process)};
+    std::optional<PassedSignals> passed;
+    return machines::runBubblewrap(words, {[&held] { held.release(); },
+                                           [&held, &passed](pid_t process) {
+                                               passed.emplace(process);
+                                               held.release();
+                                           }});
 }
 
 }  // namespace kvl::provider

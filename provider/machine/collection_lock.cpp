@@ -23,7 +23,7 @@ constexpr mode_t kLockMode = 0644;  // whoever can read it can lock it
 constexpr const char* kHandedDown = "KVL_COLLECTION_LOCK";
 
 [[noreturn]] void refuse(const std::string& file, const std::string& why) {
-    throw ProviderError(kNothingCollected, "the lock file " + file + " " + why);
+    throw ProviderError("the lock file " + file + " " + why);
 }
 
 /// Opens the file for as much as this user may; others may have put anything at its name.
@@ -120,9 +120,9 @@ CollectionLock CollectionLock::take(const std::string& file, unsigned long longe
             refuse(file, std::string("can't be locked: ") + std::strerror(errno));
         }
         if (pauses == longestPauses) {
-            throw ProviderError(kNothingCollected, describeHolder(patientHolderOf(opened.number())) +
-                                                       " still works on this machine: try again when it has ended, or "
-                                                       "wait longer with --wait SECONDS");
+            throw ProviderError(describeHolder(patientHolderOf(opened.number())) +
+                                " still works on this machine: try again when it has ended, or "
+                                "wait longer with --wait SECONDS");
         }
         if (pauses == 0) {
             waiting.begin(holderOf(opened.number()));

@@ -6,13 +6,14 @@
 #include <cstdio>
 #include <memory>
 
+#include "machines/programs.h"
 #include "provider/provider_error.h"
 
 namespace kvl::provider {
 namespace {
 
-// In the order of the fixed PATH.
-constexpr std::array<const char*, 4> kDirectories = {"/sbin/", "/usr/sbin/", "/bin/", "/usr/bin/"};
+// The fixed PATH.
+constexpr const char* kDirectories = "/sbin:/usr/sbin:/bin:/usr/bin";
 
 struct ClosePipe {
     void operator()(std::FILE* pipe) const { pclose(pipe); }
@@ -35,10 +36,10 @@ bool isInSbin(const std::string& name) {
 std::string needBusybox() {
     std::string busybox = findProgram("busybox");
     if (busybox.empty()) {
-        throw ProviderError(kNothingCollected,
-                            "this machine's /sbin/ifconfig is missing or prints a newer form than the parser reads, "
-                            "and busybox, which prints the older one, isn't installed: install the package "
-                            "busybox-static, or say '--legacy-commands never' to go without");
+        throw ProviderError(
+            "this machine's /sbin/ifconfig is missing or prints a newer form than the parser reads, "
+            "and busybox, which prints the older one, isn't installed: install the package "
+            "busybox-static, or say '--legacy-commands never' to go without");
     }
     return busybox;
 }
@@ -68,13 +69,7 @@ bool isNewerIfconfigForm(const std::string& firstLine) {
 }
 
 std::string findProgram(const std::string& name) {
-    for (const char* directory : kDirectories) {
-        std::string path = directory + name;
-        if (access(path.c_str(), X_OK) == 0) {
-            return path;
-        }
-    }
-    return "";
+    return machines::findProgram(name, kDirectories);
 }
 
 }  // namespace kvl::provider

@@ -88,10 +88,10 @@ void addSbin(Options& options, const SuppliedCommands& supplied) {
 std::string needBubblewrap() {
     std::string bubblewrap = findProgram("bwrap");
     if (bubblewrap.empty()) {
-        throw ProviderError(kNothingCollected,
-                            "this machine's commands in /sbin are newer than the parser, and bubblewrap, which can put "
-                            "older ones in their place for this program alone, isn't installed: install the package "
-                            "bubblewrap, or say '--legacy-commands never' to go without");
+        throw ProviderError(
+            "this machine's commands in /sbin are newer than the parser, and bubblewrap, which can put "
+            "older ones in their place for this program alone, isn't installed: install the package "
+            "bubblewrap, or say '--legacy-commands never' to go without");
     }
     return bubblewrap;
 }
@@ -133,11 +133,11 @@ int runInPrivateView(const SuppliedCommands& supplied, const std::vector<std::st
     words.emplace_back("--");
     words.push_back(fs::read_symlink("/proc/self/exe").string());
     append(words, arguments);
-    const SandboxEnding ending = runSandbox(words);
+    const machines::BubblewrapEnding ending = runSandbox(words);
     if (!ending.programRan && ending.status < 128) {
-        throw ProviderError(kNothingCollected,
-                            "bubblewrap could not make a private view of this machine (its own message stands above): "
-                            "run kvl as root, or allow user namespaces, or say '--legacy-commands never'");
+        throw ProviderError(
+            "bubblewrap could not make a private view of this machine (its own message stands above): "
+            "run kvl as root, or allow user namespaces, or say '--legacy-commands never'");
     }
     return ending.status;
 }

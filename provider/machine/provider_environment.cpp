@@ -17,7 +17,7 @@ constexpr mode_t kResultDirectoryMode = 0700;
 constexpr mode_t kParentMode = 0755;
 
 [[noreturn]] void refuse(const std::string& directory, const std::string& why) {
-    throw ProviderError(kNothingCollected, "the result directory " + directory + " " + why);
+    throw ProviderError("the result directory " + directory + " " + why);
 }
 
 /// Makes one directory with exactly this mode. @return 0, or the errno

@@ -2,9 +2,9 @@
 
 #include <array>
 #include <iterator>
+#include <stdexcept>
 
 #include "provider/output/text_block.h"
-#include "provider/provider_error.h"
 
 namespace kvl::provider {
 namespace {
@@ -32,7 +32,7 @@ pugi::xml_document loadReport(const std::string& file) {
     pugi::xml_document report;
     const pugi::xml_parse_result result = report.load_file(file.c_str());
     if (!result) {
-        throw ProviderError(kNothingCollected, "the report in " + file + " can't be read: " + result.description());
+        throw std::runtime_error("the report in " + file + " can't be read: " + result.description());
     }
     return report;
 }

@@ -8,7 +8,7 @@
 namespace kvl::provider {
 
 /// Reads a report that the library has written.
-/// @throws ProviderError if it can't be read
+/// @throws std::runtime_error if it can't be read
 pugi::xml_document loadReport(const std::string& file);
 
 /// The value of the parameter element with this name below `parent`; empty if there is none.

@@ -9,7 +9,9 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <system_error>
+#include <utility>
 
 namespace kvl::provider {
 namespace {
@@ -46,13 +48,13 @@ void NotedSignals::ignore() {
     sigaction(SIGPIPE, &action, &brokenPipe_);
 }
 
-NotedSignals::NotedSignals(std::function<void(int signal)> told) {
+NotedSignals::NotedSignals(std::function<void(int signal)> told) : told_(std::move(told)) {
     const sigset_t set = notedSet();
     signals_ = needed(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
     end_ = needed(eventfd(0, EFD_CLOEXEC));
     pthread_sigmask(SIG_BLOCK, &set, &before_);
     ignore();
-    watcher_ = std::thread([this, told = std::move(told)] { watch(told); });
+    watcher_ = std::thread([this] { watch(); });
 }
 
 NotedSignals::~NotedSignals() {
@@ -71,15 +73,32 @@ NotedSignals::~NotedSignals() {
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-void NotedSignals::watch(const std::function<void(int signal)>& told) {
+int NotedSignals::first() const {
+    readSignal();
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return first_;
+}
+
+void NotedSignals::watch() const {
     std::array<struct pollfd, 2> watched = {{{signals_.number(), POLLIN, 0}, {end_.number(), POLLIN, 0}}};
     while (poll(watched.data(), watched.size(), -1) < 0 || watched[1].revents == 0) {
-        struct signalfd_siginfo signal {};
-        if (read(signals_.number(), &signal, sizeof signal) == static_cast<ssize_t>(sizeof signal) && first() == 0) {
-            first_ = static_cast<int>(signal.ssi_signo);
-            told(first());
-        }
+        readSignal();
     }
+}
+
+/// Reads a signal that has come, if there is one.
+void NotedSignals::readSignal() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    struct signalfd_siginfo signal {};
+    if (read(signals_.number(), &signal, sizeof signal) == static_cast<ssize_t>(sizeof signal) && first_ == 0) {
+        first_ = static_cast<int>(signal.ssi_signo);
+        told_(first_);
+    }
+}
+
+std::string signalName(int signal) {
+    const char* name = sigabbrev_np(signal);
+    return name != nullptr ? std::string("SIG") + name : std::to_string(signal);
 }
 
 }  // namespace kvl::provider

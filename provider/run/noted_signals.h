@@ -4,8 +4,9 @@
 #include <signal.h>
 
 #include <array>
-#include <atomic>
 #include <functional>
+#include <mutex>
+#include <string>
 #include <thread>
 
 #include "reference_host/file_descriptor.h"
@@ -21,7 +22,7 @@ namespace kvl::provider {
 /// command that takes a signal itself gets it.
 class NotedSignals {
 public:
-    /// @param told  is called on a thread of its own with the first signal that comes
+    /// @param told  is called with the first signal that comes, on a thread of its own or by whoever asks for it first
     explicit NotedSignals(std::function<void(int signal)> told);
 
     /// What came in the meantime is gone.
@@ -30,24 +31,30 @@ public:
     NotedSignals(const NotedSignals&) = delete;
     NotedSignals& operator=(const NotedSignals&) = delete;
 
-    /// The first signal that came; 0 if none did.
-    int first() const { return first_.load(); }
+    /// The first signal that came; 0 if none did. One that was sent before this call counts.
+    int first() const;
 
 private:
     static constexpr std::array<int, 7> kNoted = {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGTSTP, SIGTTIN, SIGTTOU};
 
     static sigset_t notedSet();
     void ignore();
-    void watch(const std::function<void(int signal)>& told);
+    void watch() const;
+    void readSignal() const;
 
     sigset_t before_{};
     std::array<struct sigaction, kNoted.size()> dispositions_{};
     struct sigaction brokenPipe_ {};
     host::FileDescriptor signals_;
     host::FileDescriptor end_;
-    std::atomic<int> first_{0};
+    const std::function<void(int signal)> told_;
+    mutable std::mutex mutex_;  // of the reading
+    mutable int first_ = 0;
     std::thread watcher_;
 };
+
+/// The name of a signal for programs, such as SIGINT.
+std::string signalName(int signal);
 
 }  // namespace kvl::provider
 

@@ -2,9 +2,10 @@
 
 #include "adapter/CEmulexCommon.h"
 #include "foundation/CCommon_Information.h"
-#include "provider/commands/adapter_words.h"
-#include "provider/operation/needs.h"
+#include "provider/library/adapter_kinds.h"
+#include "provider/library/working_tree.h"
 #include "provider/output/text_block.h"
+#include "provider/update/requirements.h"
 
 namespace kvl::provider {
 namespace {
@@ -32,7 +33,7 @@ std::string onlyEntry(const UpdateModule& module, const char* pattern, const cha
     return found.front();
 }
 
-std::string addressFor(const UpdateFamily& family, const AdapterInventory::Record& record) {
+std::string addressFor(const UpdateFamily& family, const AdapterRecord& record) {
     const auto found = record.find(family.addressKey);
     if (found == record.end() || found->second.empty()) {
         refuse(kNoAddress, "hbacmd's list has no '" + std::string(family.addressKey) + "' of it");
@@ -53,37 +54,40 @@ std::string installedTool(const std::string& family) {
 
 }  // namespace
 
-std::string FirmwarePlan::downloadCommand(const std::string& file) const {
-    return kvl::downloadCommand(tool, address, scratch, file);
-}
-
-std::vector<std::string> FirmwarePlan::description() const {
-    std::vector<std::string> steps = {
-        "delete " + scratch + " and make it anew",
-        "unzip -o \"" + module.directory + "/" + module.archive + "\" -d \"" + scratch + "\"",
-        "find the adapter in hbacmd's list",
+Steps FirmwarePlan::steps() const {
+    const auto download = [this](const std::string& file) { return downloadCommand(tool, address, scratch, file); };
+    Steps steps = {
+        {{"delete " + scratch + " and make it anew"},
+         TraceEvent::kFolderDeletion,
+         "making " + scratch + " anew",
+         Change::kNothing,
+         ""},
+        {{"unzip -o \"" + archivePath() + "\" -d \"" + scratch + "\""},
+         TraceEvent::kUnpacking,
+         "unpacking " + module.archive,
+         Change::kNothing,
+         ""},
+        {{"find the adapter in hbacmd's list"},
+         TraceEvent::kAdapterLookup,
+         "finding the adapter",
+         Change::kNothing,
+         ""},
     };
     if (!bootCode.empty()) {
-        steps.push_back("boot code: " + downloadCommand(bootCode));
+        steps.push_back({{"boot code: " + download(bootCode)},
+                         TraceEvent::kUpdaterStart,
+                         "writing the boot code " + bootCode,
+                         Change::kBootCode,
+                         resultFile()});
     }
-    steps.push_back("firmware: " + downloadCommand(firmware));
-    steps.push_back("delete " + scratch);
-    return steps;
-}
-
-std::vector<ProcedureStep> FirmwarePlan::steps() const {
-    constexpr const char* kUpdater = "CEmulexCommon::EmulexUpdate() Resultmode";
-    std::vector<ProcedureStep> steps = {
-        {"CUnzip_Utility::DeleteFolder [START]", "making " + scratch + " anew", false, ""},
-        {"CUnzip_Utility::Unzip [START]", "unpacking " + module.archive, false, ""},
-        {"CEmulexCommon::GetHBAInfo() [START]", "finding the adapter", false, ""},
-    };
-    if (!bootCode.empty()) {
-        steps.push_back({kUpdater, "writing the boot code " + bootCode, true, resultFile()});
-    }
-    steps.push_back({bootCode.empty() ? "bios update file name(" : kUpdater, "writing the firmware " + firmware, true,
+    // Without boot code the library names its file all the same, and that is the first that is heard of the firmware.
+    steps.push_back({{"firmware: " + download(firmware)},
+                     bootCode.empty() ? TraceEvent::kFirmwareChoice : TraceEvent::kUpdaterStart,
+                     "writing the firmware " + firmware,
+                     Change::kFirmware,
                      resultFile()});
-    steps.push_back({"CUnzip_Utility::DeleteFolder [START]", "removing " + scratch, false, ""});
+    steps.push_back(
+        {{"delete " + scratch}, TraceEvent::kFolderDeletion, "removing " + scratch, Change::kFirmwareDone, ""});
     return steps;
 }
 
@@ -110,18 +114,19 @@ FirmwarePlan planFirmwareUpdate(const FirmwareRequest& request, const AdapterInv
         // The library would write the boot code first, and then find that it can't judge.
         refuse(kWrongModuleContent, plan.module.archive + " holds boot code and no message.txt to judge by");
     }
-    plan.family = request.family.empty() ? inventory.familyOf(request.device) : request.family;
+    const AdapterRecord record = inventory.find(request.device, request.family.empty() ? kCna : request.family);
+    plan.family = request.family.empty() ? familyOf(record) : request.family;
     plan.tool = installedTool(plan.family);
-    plan.address = addressFor(*plan.updateFamily, inventory.find(request.device, plan.family));
-    plan.workDirectory = request.tree + "/temp/" + (plan.family == kCna ? "CNA" : "FC");
+    plan.address = addressFor(*plan.updateFamily, record);
+    plan.workDirectory = WorkingTree::installed().updateDirectory(plan.family);
     plan.scratch = request.scratch.empty() ? plan.workDirectory + "/unpacked" : request.scratch + kOwnScratch;
     if (!request.scratch.empty()) {
-        needOwnDirectory(request.scratch);
+        requireOwnDirectory(request.scratch);
     }
-    needOutside(plan.module.directory, plan.scratch);
-    needCommand("unzip");
-    needRoom(request.scratch.empty() ? plan.workDirectory : request.scratch, plan.module.unpackedSize);
-    needRoom(plan.workDirectory, 0);
+    requireOutside(plan.module.directory, plan.scratch);
+    requireCommand("unzip");
+    requireRoom(request.scratch.empty() ? plan.workDirectory : request.scratch, plan.module.unpackedSize);
+    requireRoom(plan.workDirectory, 0);
     return plan;
 }
 

@@ -6,7 +6,7 @@
 
 #include "adapter/update_families.h"
 #include "provider/library/adapter_inventory.h"
-#include "provider/operation/procedure.h"
+#include "provider/operation/step.h"
 #include "provider/update/module_archive.h"
 
 namespace kvl::provider {
@@ -18,7 +18,6 @@ struct FirmwareRequest {
     std::string uniqueName;
     std::string family;   ///< empty: by the port's type
     std::string scratch;  ///< empty: in the working tree
-    std::string tree;     ///< the working tree of the update itself, which isn't that of a dry run
 };
 
 /// An update of firmware and boot code that can be carried out, as far as looking tells.
@@ -38,13 +37,10 @@ struct FirmwarePlan {
 
     std::string resultDirectory() const { return workDirectory + "/firm"; }
     std::string resultFile() const { return resultDirectory() + "/temp_hbacmd_Download.txt"; }
-    std::string downloadCommand(const std::string& file) const;
+    std::string archivePath() const { return module.directory + "/" + module.archive; }
 
     /// What will be done, in its order.
-    std::vector<std::string> description() const;
-
-    /// The same as the library traces it.
-    std::vector<ProcedureStep> steps() const;
+    Steps steps() const;
 };
 
 /// The number of a location's function.

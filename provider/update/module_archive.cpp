@@ -10,8 +10,8 @@
 #include <memory>
 
 #include "adapter/error_codes.h"
-#include "provider/commands/adapter_words.h"
 #include "provider/library/adapter_failure.h"
+#include "provider/library/adapter_kinds.h"
 #include "provider/output/text_block.h"
 
 namespace kvl::provider {
@@ -41,8 +41,7 @@ std::list<std::string> namesIn(const std::string& directory) {
         names.push_back(entry->path().filename().string());
     }
     if (error) {
-        throw ProviderError(kNothingChanged,
-                            "the module's directory " + directory + " can't be read: " + error.message());
+        throw ProviderError("the module's directory " + directory + " can't be read: " + error.message());
     }
     names.sort();
     return names;

@@ -15,7 +15,7 @@ namespace kvl::provider {
 namespace {
 
 [[noreturn]] void refuse(const std::string& sentence) {
-    throw ProviderError(kNothingChanged, sentence);
+    throw ProviderError(sentence);
 }
 
 std::vector<std::string> linesIn(const char* path) {
@@ -27,7 +27,7 @@ std::vector<std::string> linesIn(const char* path) {
     return lines;
 }
 
-void needAccess(const char* path) {
+void requireAccess(const char* path) {
     struct stat status {};
     if (stat(path, &status) != 0) {
         return;  // it will be made
@@ -53,8 +53,8 @@ std::vector<std::string> missingLines(const DriverOverride& file) {
     return missing;
 }
 
-void needOverrideFile(const DriverOverride& file) {
-    needAccess(file.path);
+void requireOverrideFile(const DriverOverride& file) {
+    requireAccess(file.path);
     const std::vector<std::string> missing = missingLines(file);
     if (missing.empty()) {
         return;

@@ -13,7 +13,7 @@ std::vector<std::string> missingLines(const DriverOverride& file);
 
 /// Sees to it that the lines can be added where they are missing, and that the library will add them.
 /// @throws ProviderError otherwise, with what to do
-void needOverrideFile(const DriverOverride& file);
+void requireOverrideFile(const DriverOverride& file);
 
 }  // namespace kvl::provider
 

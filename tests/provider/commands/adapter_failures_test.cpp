@@ -316,14 +316,14 @@ TEST(AdapterTree, IsRefusedWhereOthersCanWrite) {
 }
 
 /// Becomes a user to whom the directory of the installation is closed, and tells what comes of that.
-[[noreturn]] void needTreeAsOrdinaryUser(const std::string& installation) {
+[[noreturn]] void makeTreeAsOrdinaryUser(const std::string& installation) {
     constexpr uid_t kNobody = 65534;
     setenv("KVL_INSTALL_PATH", installation.c_str(), 1);
     if (geteuid() == 0 && setuid(kNobody) != 0) {
         _exit(1);
     }
     try {
-        kvl::provider::needAdapterTree();
+        kvl::provider::WorkingTree::inUse().make();
     } catch (const kvl::provider::AdapterFailure& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         _exit(0);
@@ -336,7 +336,7 @@ TEST(AdapterTree, IsMadeByRootWhereTheUserMayNot) {
     const std::string installation = scratch / "kvl";
     std::filesystem::create_directory(installation);
     std::filesystem::permissions(installation, std::filesystem::perms::owner_read);
-    EXPECT_EXIT(needTreeAsOrdinaryUser(installation), testing::ExitedWithCode(0),
+    EXPECT_EXIT(makeTreeAsOrdinaryUser(installation), testing::ExitedWithCode(0),
                 "a cache directory could not be made .error 12.: run kvl as root");
     std::filesystem::permissions(installation, std::filesystem::perms::owner_all);
 }

@@ -3,7 +3,7 @@
 
 #include <ostream>
 
-#include "tests/provider/command_words.h"
+#include "tests/provider/command_arguments.h"
 #include "tests/provider/kvl_program.h"
 
 namespace {
@@ -155,15 +155,63 @@ struct HelpCase {
 };
 
 TEST(AdapterHelp, TellsExitCodesAndExamplesOfEachCommand) {
-    for (const HelpCase& row : {HelpCase{"adapters", kvl::provider::kAdaptersExitCodesHelp},
-                                HelpCase{"adapter-info", kvl::provider::kAdapterInfoExitCodesHelp},
-                                HelpCase{"version", kvl::provider::kVersionExitCodesHelp},
-                                HelpCase{"compare", kvl::provider::kCompareExitCodesHelp},
-                                HelpCase{"supported", kvl::provider::kSupportedExitCodesHelp},
-                                HelpCase{"slot", kvl::provider::kSlotExitCodesHelp},
-                                HelpCase{"driver-check", kvl::provider::kDriverCheckExitCodesHelp},
-                                HelpCase{"boot-image", kvl::provider::kBootImageExitCodesHelp},
-                                HelpCase{"components", kvl::provider::kComponentsExitCodesHelp}}) {
+    for (const HelpCase& row :
+         {HelpCase{"adapters",
+                   "Exit codes:\n"
+                   "  0   the adapters are listed\n"
+                   "  1   the same, but something could not be had (named on standard error)\n"
+                   "  2   wrong usage\n"
+                   "  3   there is no list; the reason stands on standard error\n"},
+          HelpCase{"adapter-info",
+                   "Exit codes:\n"
+                   "  0   the port is described\n"
+                   "  1   the same, but something could not be had (named on standard error)\n"
+                   "  2   wrong usage\n"
+                   "  3   there is no description; the reason stands on standard error\n"},
+          HelpCase{"version",
+                   "Exit codes:\n"
+                   "  0   the version is told\n"
+                   "  2   wrong usage\n"
+                   "  3   there is none; the reason stands on standard error\n"},
+          HelpCase{"compare",
+                   "Exit codes:\n"
+                   "  0   NEW is equal to OLD\n"
+                   "  2   wrong usage\n"
+                   "  3   the answer could not be written\n"
+                   "  10  NEW is older\n"
+                   "  11  NEW is newer\n"
+                   "  12  one of them is not a version of this kind (named on standard error)\n"},
+          HelpCase{"supported",
+                   "Exit codes:\n"
+                   "  0   the catalogue is listed\n"
+                   "  1   the same, but one family's is missing or can't be right (named on standard error)\n"
+                   "  2   wrong usage\n"
+                   "  3   there is none that could be listed; the reason stands on standard error\n"},
+          HelpCase{"slot",
+                   "Exit codes:\n"
+                   "  0   the slot is told\n"
+                   "  2   wrong usage\n"
+                   "  3   the answer could not be written\n"},
+          HelpCase{"driver-check",
+                   "Exit codes:\n"
+                   "  0   the installed driver has this version\n"
+                   "  2   wrong usage\n"
+                   "  3   the check could not begin; the reason stands on standard error\n"
+                   "  13  it has another version, or nothing could be found out\n"
+                   "  14  it has another version, and the default boot entry has another RAM disk than that of\n"
+                   "      the running kernel, or names it with a directory in front\n"},
+          HelpCase{"boot-image",
+                   "Exit codes:\n"
+                   "  0   the default boot entry has the running kernel's RAM disk\n"
+                   "  2   wrong usage\n"
+                   "  3   that could not be told; the reason stands on standard error\n"
+                   "  15  it has another, or names it with a directory in front\n"},
+          HelpCase{"components",
+                   "Exit codes:\n"
+                   "  0   nothing is missing\n"
+                   "  2   wrong usage\n"
+                   "  3   the answer could not be written\n"
+                   "  16  something is, or can't be run (named on standard error)\n"}}) {
         const auto outcome = runKvl({row.command, "--help"});
         EXPECT_EQ(0, outcome.status);
         EXPECT_THAT(outcome.output, HasSubstr(row.exitCodes));

@@ -1,7 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
 #include <ostream>
+#include <utility>
+#include <vector>
 
 #include "tests/provider/update/update_server.h"
 
@@ -512,17 +515,63 @@ TEST(BootFiles, AreChangedByOneRunAtATime) {
                                          "with --wait SECONDS\ndist.conf\n"));
 }
 
+TEST(BootFiles, AreNotChangedWhereThePlanCantBeShown) {
+    const Outcome outcome =
+        onServer("kvl boot-files --override lpfc --rebuild-initramfs >/dev/full; echo $?; images; ls $conf");
+    EXPECT_EQ("1\n" + std::string(kInstalled) + "none\ndist.conf\n", outcome.output);
+    EXPECT_EQ("kvl: the plan could not be written to standard output\n", outcome.errors);
+}
+
+TEST(BootFiles, AreDescribedForPrograms) {
+    const Outcome outcome = onServer("kvl boot-files --override lpfc --rebuild-initramfs --quiet --format json");
+    EXPECT_EQ(nlohmann::json::parse(R"({
+        "result": "done",
+        "plan": {
+            "title": "Update of the boot files",
+            "facts": [
+                "kernel    2.6.32-358.el6.x86_64",
+                "image     /boot/initramfs-2.6.32-358.el6.x86_64.img, 72 bytes",
+                "if dracut fails, the former image is to be moved back by hand"
+            ],
+            "steps": [
+                "add to /etc/depmod.d/elxlpfc.conf: 'override lpfc * weak-updates/updates/elx-lpfc', 'override lpfc * weak-updates/elx-lpfc'",
+                "depmod -a",
+                "mv -f /boot/initramfs-2.6.32-358.el6.x86_64.img /boot/initramfs-2.6.32-358.el6.x86_64.img.org",
+                "dracut /boot/initramfs-2.6.32-358.el6.x86_64.img"
+            ]
+        },
+        "done": [
+            "Added the override lines, and depmod has run",
+            "Rebuilt /boot/initramfs-2.6.32-358.el6.x86_64.img, 253 bytes; the former one is /boot/initramfs-2.6.32-358.el6.x86_64.img.org"
+        ],
+        "messages": []
+    })"),
+              nlohmann::json::parse(outcome.output));
+    EXPECT_EQ("", outcome.errors);
+}
+
+TEST(BootFiles, AreDescribedForProgramsAlsoWhereTheyFail) {
+    const Outcome outcome = onServer("rm /sbin/dracut; run kvl boot-files --rebuild-initramfs --format json");
+    const auto end = outcome.output.rfind("ended with 1\n");
+    ASSERT_NE(std::string::npos, end);
+    EXPECT_EQ(nlohmann::json::parse(R"({"error": {"number": null, "name": null, "next": null,
+                  "meaning": "'dracut' isn't installed: install the package that brings it"}})"),
+              nlohmann::json::parse(outcome.output.substr(0, end)));
+}
+
 // ---- Signals and sudden ends ----
 
 TEST(BootFiles, AreNotBrokenOffByASignal) {
-    for (const char* name : {"INT", "TERM", "HUP"}) {
+    const std::vector<std::pair<std::string, std::string>> signals = {
+        {"INT", "Interrupt"}, {"TERM", "Terminated"}, {"HUP", "Hangup"}};
+    for (const auto& [name, title] : signals) {
         const Outcome outcome =
-            onServer("replace /sbin/dracut 'kill -" + std::string(name) +
+            onServer("replace /sbin/dracut 'kill -" + name +
                      " -$(cat /tmp/kvl); /tmp/await_note; exec /.machine/dracut \"$@\"'\n"
                      "run group_kvl boot-files --rebuild-initramfs 2>/tmp/errors | tail -n 2; images; notes\n"
                      "grep noted /tmp/errors >&2");
-        EXPECT_EQ("Rebuilt " + kImage + ", 168 bytes; the former one is " + kImage + ".org\nended with 130\n" + kBuilt +
-                      kInstalled,
+        EXPECT_EQ("Rebuilt " + kImage + ", 168 bytes; the former one is " + kImage + ".org; " + title +
+                      " came meanwhile\nended with 0\n" + kBuilt + kInstalled,
                   outcome.output);
         EXPECT_THAT(outcome.errors, HasSubstr(": noted, and the update goes on to its end"));
     }
@@ -534,8 +583,9 @@ TEST(BootFiles, AreMendedAlsoBehindASignal) {
         "2'\n"
         "run group_kvl boot-files --rebuild-initramfs --restore-on-failure 2>/tmp/errors | tail -n 1; images\n"
         "tail -n 1 /tmp/errors >&2");
-    EXPECT_EQ("ended with 130\n" + std::string(kInstalled) + "none\n", outcome.output);
-    EXPECT_EQ("kvl: 'dracut' ended with 2; the former image was moved back: " + kImage + " is as it was\n",
+    EXPECT_EQ("ended with 1\n" + std::string(kInstalled) + "none\n", outcome.output);
+    EXPECT_EQ("kvl: 'dracut' ended with 2; the former image was moved back: " + kImage +
+                  " is as it was; Interrupt came meanwhile\n",
               outcome.errors);
 }
 
@@ -544,10 +594,12 @@ TEST(BootFiles, AreNotRebuiltBehindASignal) {
         "replace /sbin/depmod 'kill -TERM -$(cat /tmp/kvl); /tmp/await_note'\n"
         "run group_kvl boot-files --override lpfc --rebuild-initramfs 2>/tmp/errors | tail -n 2; images\n"
         "tail -n 1 /tmp/errors >&2");
-    EXPECT_EQ("Added the override lines, and depmod has run\nended with 130\n" + std::string(kInstalled) + "none\n",
+    EXPECT_EQ("Added the override lines, and depmod has run\nended with 4\n" + std::string(kInstalled) + "none\n",
               outcome.output);
-    EXPECT_EQ("kvl: the RAM disk image was not rebuilt, since a signal came before; the override lines are in place\n",
-              outcome.errors);
+    EXPECT_EQ(
+        "kvl: the RAM disk image was not rebuilt, since a signal came before; the override lines are in place; "
+        "Terminated came meanwhile\n",
+        outcome.errors);
 }
 
 struct SuddenEnd {

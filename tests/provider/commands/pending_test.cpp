@@ -149,6 +149,17 @@ TEST(PendingTake, HandsTheMarksBackBeforeASignalCounts) {
     EXPECT_EQ("kvl: Interrupt: noted; the marks are handed back first\n", outcome.errors);
 }
 
+TEST(PendingTake, NamesTheSignalInTheDocument) {
+    const Outcome outcome = pendingOn(
+        "kvl pending --add nic >/dev/null; mkdir $marks/SequentialUpdateFile_FCoE.txt\n"
+        "KVL_MEANWHILE='kill -TERM $PPID; rmdir '$marks/SequentialUpdateFile_FCoE.txt; export KVL_MEANWHILE\n"
+        "kvl pending --take --format json 2>/dev/null; echo $?");
+    EXPECT_EQ(
+        "{\n  \"taken\": [\n    \"NIC\",\n    \"FCoE\"\n  ],\n  \"staying\": [],\n  \"interrupted_by\": "
+        "\"SIGTERM\"\n}\n0\n",
+        outcome.output);
+}
+
 TEST(Pending, TellsAMarkThatCantBeRead) {
     const Outcome outcome = pendingOn(
         "kvl pending --add fcoe --add nic >/dev/null; chmod 0 $marks/*FCoE*; run kvl pending; run kvl pending --take\n"

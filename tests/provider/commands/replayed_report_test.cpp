@@ -97,6 +97,27 @@ TEST(ReplayedReport, HasTheChosenSectionsInTheirOrder) {
     EXPECT_THAT(outcome.output, AllOf(Not(HasSubstr("Port ")), Not(HasSubstr("Team "))));
 }
 
+TEST(KeptRoot, IsADirectoryOfItsOwn) {
+    const ScratchDirectory scratch;
+    scratch.write("mine/file", "mine");
+    const Outcome outcome = runKvl({"replay", "--root", scratch / "mine", "one-port", "--", "report"});
+    EXPECT_EQ(2, outcome.status);
+    EXPECT_EQ("", outcome.output);
+    EXPECT_EQ("kvl: --root " + scratch / "mine" +
+                  ": the directory holds other files than a recorded server's: name an empty one, or one that isn't "
+                  "there\n",
+              outcome.errors);
+    EXPECT_EQ((std::map<std::string, std::string>{{"file", "mine"}}), kvl::test::readTree(scratch / "mine"));
+}
+
+TEST(KeptRoot, MayBeEmptyOrOneOfAnEarlierReplay) {
+    const ScratchDirectory scratch;
+    fs::create_directory(scratch / "empty");
+    for (int replay = 0; replay < 2; ++replay) {
+        EXPECT_EQ(0, runKvl({"replay", "--root", scratch / "empty", "one-port", "--", "report"}).status);
+    }
+}
+
 TEST(ReplayedReport, RunsNoCommandForSkippedGroups) {
     const ScratchDirectory scratch;
     const std::string root = scratch / "root";

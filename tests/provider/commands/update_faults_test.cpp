@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <ostream>
 
 #include "tests/provider/update/made_archive.h"
@@ -595,14 +596,14 @@ TEST_P(SignalDuringAnUpdate, IsNotedAndTheUpdateGoesOnToItsEnd) {
         ": noted, and the update goes on to its end; an updater that is broken off can leave an adapter or a tool that "
         "doesn't work\n";
     const std::string run =
-        "run group_kvl update firmware 02:00.0 --module /modules/OCe11102 --unique-name OCe11102 --yes 2>/tmp/errors | "
-        "tail -n 1; cat /tmp/errors";
-    const Outcome updated =
-        updateOnServer("during Download " + sending(GetParam().name) + run + "; versions 01; ended");
+        "run group_kvl update firmware 02:00.0 --module /modules/OCe11102 --unique-name OCe11102 --yes 2>/tmp/errors";
+    const Outcome updated = updateOnServer("during Download " + sending(GetParam().name) + run +
+                                           " | tail -n 2; cat /tmp/errors; versions 01; ended");
     const std::string steps =
         "[1/5] making /opt/tarvenn/kvl/tmp/EMULEX/temp/CNA/unpacked anew\n[2/5] unpacking module.zip\n"
         "[3/5] finding the adapter\n[4/5] writing the firmware firmware.ufi\n";
-    EXPECT_EQ("ended with 130\n" + steps + noted +
+    const std::string meanwhile = std::string("; ") + GetParam().title + " came meanwhile\n";
+    EXPECT_EQ("Updated 02:00.0: firmware 4.6.247.5 -> 4.9.416.0" + meanwhile + "ended with 0\n" + steps + noted +
                   "[5/5] removing /opt/tarvenn/kvl/tmp/EMULEX/temp/CNA/unpacked\n4.9.416.0 4.6.247.5\n"
                   "[cna] MSGID_KVL_UPDATE_BEGUN_I: The update of the firmware of 02:00.0 begins: OCe11102 from "
                   "/modules/OCe11102/module.zip\n"
@@ -613,11 +614,11 @@ TEST_P(SignalDuringAnUpdate, IsNotedAndTheUpdateGoesOnToItsEnd) {
                   "[cna] MSGID_KVL_UPDATE_DONE_I: The update of the firmware of 02:00.0 is done: firmware 4.6.247.5 -> "
                   "4.9.416.0\n",
               updated.output);
-    const Outcome failed =
-        updateOnServer("fault incomplete-download; during Download " + sending(GetParam().name) + run);
-    EXPECT_EQ(
-        "ended with 130\n" + steps + noted + kWriting + kNoSuccess + words("End of download.", kDownloaded) + kStill,
-        failed.output);
+    const Outcome failed = updateOnServer("fault incomplete-download; during Download " + sending(GetParam().name) +
+                                          run + " | tail -n 1; cat /tmp/errors");
+    EXPECT_EQ("ended with 1\n" + steps + noted + kWriting + kNoSuccess + words("End of download.", kDownloaded) +
+                  kStill.substr(0, kStill.size() - 1) + meanwhile,
+              failed.output);
 }
 
 INSTANTIATE_TEST_SUITE_P(OfAnOperatorOrATerminal, SignalDuringAnUpdate,
@@ -625,12 +626,26 @@ INSTANTIATE_TEST_SUITE_P(OfAnOperatorOrATerminal, SignalDuringAnUpdate,
                                          Signal{"TERM", "Terminated"}, Signal{"QUIT", "Quit"},
                                          Signal{"TSTP", "Stopped"}));
 
+TEST(SignalDuringAnUpdate, IsNamedInTheDocument) {
+    const Outcome outcome = updateOnServer(
+        "during Download " + sending("HUP") +
+        "run group_kvl update firmware 02:00.0 --module /modules/OCe11102 --unique-name OCe11102 --yes --format json "
+        "2>/tmp/errors");
+    const auto end = outcome.output.rfind("ended with 0\n");
+    ASSERT_NE(std::string::npos, end);
+    const auto document = nlohmann::json::parse(outcome.output.substr(0, end));
+    EXPECT_EQ("done", document.at("result"));
+    EXPECT_EQ("SIGHUP", document.at("interrupted_by"));
+    EXPECT_EQ(nlohmann::json({"Updated 02:00.0: firmware 4.6.247.5 -> 4.9.416.0; Hangup came meanwhile"}),
+              document.at("done"));
+}
+
 TEST(SignalDuringAnUpdate, OfTheToolIsNotedToo) {
     const Outcome outcome = updateOnServer(
         "after_unzip " + sending("INT") +
         "run group_kvl update tool --module /modules/tool --yes 2>/tmp/errors | tail -n 2; cat /tmp/errors");
     EXPECT_EQ(
-        "Updated the management tool: 6.3.12.1 -> 6.4.3.1\nended with 130\n"
+        "Updated the management tool: 6.3.12.1 -> 6.4.3.1; Interrupt came meanwhile\nended with 0\n"
         "[1/5] making /opt/tarvenn/kvl/tmp/EMULEX/temp/tmp anew\n[2/5] unpacking module.zip\n"
         "kvl: Interrupt: noted, and the update goes on to its end; an updater that is broken off can leave an adapter "
         "or a tool that doesn't work\n"
@@ -667,6 +682,42 @@ TEST(PlanThatCantBeShown, KeepsAnUpdateFromBeginning) {
         "kvl: the plan could not be written to standard output\n"
         "kvl: the plan could not be written to standard output\n",
         outcome.errors);
+}
+
+TEST(ResultThatCantBePrinted, LeavesADocumentsExitCodeAsItIs) {
+    const Outcome outcome = updateOnServer(
+        "kvl update firmware 02:00.0 --module /modules/OCe11102 --unique-name OCe11102 --yes --quiet --format json "
+        ">/dev/full; echo $?; versions 01");
+    EXPECT_EQ("0\n4.9.416.0 4.6.247.5\n", outcome.output);
+    EXPECT_EQ("kvl: the answer could not be written to standard output\n", outcome.errors);
+}
+
+TEST(MarkerOfAnUpdate, ThatCantBeMadeOrDeletedIsToldOfAnUpdateThatIsDone) {
+    const std::string marker = "/opt/tarvenn/kvl/tmp/EMULEX/temp/CNA/UpdateProceeding.txt";
+    const std::string done = "Updated 02:00.0: firmware 4.6.247.5 -> 4.9.416.0\nended with 0\n";
+    const Outcome unmade = updateOnServer(
+        "kvl adapters >/dev/null; mkdir -p $tree/temp/CNA/UpdateProceeding.txt\n"
+        "firmware 02:00.0 OCe11102 --quiet | tail -n 2");
+    EXPECT_EQ(done, unmade.output);
+    EXPECT_EQ("kvl: " + marker + " could not be made, which marks an update that was begun: see what stands there\n",
+              unmade.errors);
+    const Outcome undeleted = updateOnServer(
+        "during Download \"rm $tree/temp/CNA/UpdateProceeding.txt; mkdir -p $tree/temp/CNA/UpdateProceeding.txt/x\"\n"
+        "firmware 02:00.0 OCe11102 --quiet | tail -n 2");
+    EXPECT_EQ(done, undeleted.output);
+    EXPECT_EQ("kvl: " + marker + " could not be deleted: remove it by hand, since the update is done\n",
+              undeleted.errors);
+}
+
+TEST(MarkerOfAnUpdate, ThatCantBeMadeIsToldOfAnUpdateThatFailsToo) {
+    const Outcome outcome = updateOnServer(
+        "kvl adapters >/dev/null; mkdir -p $tree/temp/CNA/UpdateProceeding.txt; instead_of_unzip 'exit 9'\n"
+        "firmware 02:00.0 OCe11102 --quiet | tail -n 1");
+    EXPECT_EQ("ended with 1\n", outcome.output);
+    EXPECT_THAT(outcome.errors,
+                testing::EndsWith("kvl: nothing was changed: the adapter runs firmware 4.6.247.5\n"
+                                  "kvl: /opt/tarvenn/kvl/tmp/EMULEX/temp/CNA/UpdateProceeding.txt could not be made, "
+                                  "which marks an update that was begun: see what stands there\n"));
 }
 
 TEST(ResultThatCantBePrinted, IsToldOnStandardError) {

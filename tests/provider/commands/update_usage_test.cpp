@@ -3,9 +3,10 @@
 
 #include <ostream>
 
-#include "provider/commands/adapter_words.h"
+#include "provider/commands/performed_update.h"
+#include "provider/library/adapter_kinds.h"
 #include "tests/provider/adapter_server.h"
-#include "tests/provider/command_words.h"
+#include "tests/provider/command_arguments.h"
 
 namespace {
 
@@ -156,13 +157,23 @@ TEST(WrongUsage, IsAnUpdateThatNobodyCanBeAskedAbout) {
     EXPECT_EQ(once + once, outcome.errors);
 }
 
+TEST(WrongUsage, IsToAskForADocumentAndForAQuestion) {
+    const auto outcome = runOnServer(
+        "run kvl update firmware 02:00.0 --module /modules/OCe11102 --unique-name OCe11102 --format json\n"
+        "run kvl update tool --module /modules/tool --format json; ls $tree 2>/dev/null");
+    EXPECT_EQ("ended with 2\nended with 2\n", outcome.output);
+    const std::string once =
+        "kvl: nothing is asked with --format json: give --dry-run to see the plan, or --yes to do it\n";
+    EXPECT_EQ(once + once, outcome.errors);
+}
+
 TEST(UpdateHelp, TellsExitCodesAndExamplesOfEachCommand) {
     for (const Arguments& command : std::vector<Arguments>{{"update"}, {"update", "firmware"}, {"update", "tool"}}) {
         Arguments arguments = command;
         arguments.emplace_back("--help");
         const auto outcome = runKvl(arguments);
         EXPECT_EQ(0, outcome.status);
-        EXPECT_THAT(outcome.output, HasSubstr(kvl::provider::kUpdateExitCodesHelp));
+        EXPECT_THAT(outcome.output, HasSubstr(kvl::provider::kUpdateExitHelp));
         EXPECT_THAT(outcome.output, HasSubstr("Examples:\n  kvl update "));
     }
     EXPECT_THAT(runKvl({"update", "--help"}).output, StartsWith("Update an adapter's firmware, or the management"));

@@ -4,14 +4,13 @@
 #include <ostream>
 
 #include "provider/commands/command_line.h"
-#include "provider/exit_codes.h"
+#include "provider/commands/performed_update.h"
 #include "provider/provider_error.h"
 #include "tests/provider/kvl_program.h"
 
 namespace {
 
 using kvl::provider::Arguments;
-using kvl::provider::ProviderError;
 using kvl::provider::readCommandLine;
 using kvl::test::Outcome;
 using kvl::test::runKvl;
@@ -33,8 +32,7 @@ TEST_P(Refused, WithASentence) {
     try {
         readCommandLine(GetParam().arguments);
         FAIL() << "accepted";
-    } catch (const ProviderError& error) {
-        EXPECT_EQ(kvl::provider::kWrongUsage, error.exitCode());
+    } catch (const kvl::provider::WrongUsage& error) {
         EXPECT_THAT(error.what(), HasSubstr(GetParam().sentence));
     }
 }
@@ -178,9 +176,25 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Help, TellsTheExitCodesOfEachCommand) {
     const std::vector<std::pair<Arguments, const char*>> commands = {
-        {{"--help"}, kvl::provider::kProgramExitCodesHelp},
-        {{"report", "--help"}, kvl::provider::kExitCodesHelp},
-        {{"replay", "--help"}, kvl::provider::kExitCodesHelp}};
+        {{"--help"},
+         "Exit codes:\n"
+         "  0  done, and nothing is missing\n"
+         "  2  wrong usage; nothing was done\n"
+         "  All others are the command's own: 'kvl COMMAND --help' tells them.\n"},
+        {{"report", "--help"},
+         "Exit codes:\n"
+         "  0  report written\n"
+         "  1  report written, but something could not be collected (named on standard error)\n"
+         "  2  wrong usage\n"
+         "  3  no report: nothing could be collected, the report could not be written, or the run was\n"
+         "     refused; the reason stands on standard error\n"},
+        {{"replay", "--help"},
+         "Exit codes:\n"
+         "  0  report written\n"
+         "  1  report written, but something could not be collected (named on standard error)\n"
+         "  2  wrong usage\n"
+         "  3  no report: nothing could be collected, the report could not be written, or the run was\n"
+         "     refused; the reason stands on standard error\n"}};
     for (const auto& [arguments, exitCodes] : commands) {
         const std::string help = runKvl(arguments).output;
         EXPECT_THAT(help, HasSubstr(exitCodes));
@@ -189,10 +203,19 @@ TEST(Help, TellsTheExitCodesOfEachCommand) {
 }
 
 TEST(Help, TellsTheExitCodesOfTheCommandsAroundAnUpdate) {
-    for (const auto& [command, exitCodes] :
-         std::vector<std::pair<const char*, const char*>>{{"tool-check", kvl::provider::kToolCheckExitCodesHelp},
-                                                          {"pending", kvl::provider::kPendingExitCodesHelp},
-                                                          {"boot-files", kvl::provider::kUpdateExitCodesHelp}}) {
+    for (const auto& [command, exitCodes] : std::vector<std::pair<const char*, const char*>>{
+             {"tool-check",
+              "Exit codes:\n"
+              "  0   the tool stands as a silent install left it\n"
+              "  2   wrong usage\n"
+              "  3   that could not be told; the reason stands on standard error\n"
+              "  17  it does not\n"},
+             {"pending",
+              "Exit codes:\n"
+              "  0   listed, marked or taken\n"
+              "  2   wrong usage\n"
+              "  3   that could not be done, or not wholly; the reason stands on standard error\n"},
+             {"boot-files", kvl::provider::kUpdateExitHelp}}) {
         const Outcome outcome = runKvl({command, "--help"});
         EXPECT_EQ(0, outcome.status);
         EXPECT_THAT(outcome.output, HasSubstr(exitCodes));

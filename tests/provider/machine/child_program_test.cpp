@@ -10,8 +10,8 @@
 
 namespace {
 
+using kvl::machines::BubblewrapEnding;
 using kvl::provider::runSandbox;
-using kvl::provider::SandboxEnding;
 using kvl::test::ScratchDirectory;
 
 /// A program in the place of bubblewrap: it gets "--json-status-fd", a descriptor, and the words that follow.
@@ -25,7 +25,7 @@ TEST(RunSandbox, PassesTheExitCodeOfTheProgramThrough) {
     const ScratchDirectory scratch;
     const std::string program = standIn(scratch, "eval \"echo '{ \\\"exit-code\\\": $3 }' >&$2\"\nexit $3\n");
     for (const int status : {0, 1, 3, 77}) {
-        const SandboxEnding ending = runSandbox({program, std::to_string(status)});
+        const BubblewrapEnding ending = runSandbox({program, std::to_string(status)});
         EXPECT_TRUE(ending.programRan);
         EXPECT_EQ(status, ending.status);
     }
@@ -33,7 +33,7 @@ TEST(RunSandbox, PassesTheExitCodeOfTheProgramThrough) {
 
 TEST(RunSandbox, TellsASandboxThatCouldNotBeMadeFromAProgramThatFailed) {
     const ScratchDirectory scratch;
-    const SandboxEnding ending =
+    const BubblewrapEnding ending =
         runSandbox({standIn(scratch, "eval \"echo '{ \\\"child-pid\\\": 1 }' >&$2\"\nexit 1\n")});
     EXPECT_FALSE(ending.programRan);
     EXPECT_EQ(1, ending.status);
@@ -41,7 +41,7 @@ TEST(RunSandbox, TellsASandboxThatCouldNotBeMadeFromAProgramThatFailed) {
 
 TEST(RunSandbox, TellsASandboxThatCannotBeStarted) {
     const ScratchDirectory scratch;
-    const SandboxEnding ending = runSandbox({scratch / "nothing"});
+    const BubblewrapEnding ending = runSandbox({scratch / "nothing"});
     EXPECT_FALSE(ending.programRan);
     EXPECT_EQ(127, ending.status);
 }
@@ -53,7 +53,7 @@ TEST_P(PassedSignal, ReachesTheSandboxAndDoesNotEndThisProcess) {
     signal(GetParam(), SIG_DFL);  // one that is ignored isn't passed on
     const ScratchDirectory scratch;
     const std::string number = std::to_string(GetParam());
-    const SandboxEnding ending =
+    const BubblewrapEnding ending =
         runSandbox({standIn(scratch, "kill -" + number + " $PPID\nwhile :; do sleep 0.01; done\n")});
     EXPECT_EQ(128 + GetParam(), ending.status);
 }

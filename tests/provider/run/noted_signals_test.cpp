@@ -61,6 +61,14 @@ TEST(NotedSignals, TellTheFirstOneAlone) {
     listener.reset();  // what is still there must not end the test
 }
 
+TEST(NotedSignals, CountAsSoonAsTheyAreSent) {
+    for (int round = 0; round < 100; ++round) {
+        const NotedSignals noted([](int) {});
+        kill(getpid(), SIGTERM);
+        ASSERT_EQ(SIGTERM, noted.first());
+    }
+}
+
 TEST(NotedSignals, SpareTheCommandsThatAreStarted) {
     const Listener listener;
     for (const char* name : {"INT", "QUIT", "TERM", "HUP", "TSTP", "TTIN", "TTOU"}) {

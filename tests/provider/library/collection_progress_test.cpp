@@ -1,0 +1,122 @@
+#include "provider/library/collection_progress.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <memory>
+#include <sstream>
+
+#include "host/HostFunctions.h"
+#include "reference_host/trace_observer.h"
+
+namespace {
+
+using kvl::provider::CollectionProgress;
+using kvl::provider::Display;
+using kvl::provider::FailedCommand;
+using TheRun = kvl::provider::Run;
+using kvl::provider::RunOptions;
+using kvl::provider::Turn;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+// No command of this name leaves a result file, and so nothing is removed in the end.
+const std::string kCommand = "/usr/sbin/no-such-command-of-a-test -x";
+const std::string kRunner = "int CNetworkParameter::ExecCommand(const char*, ...)";
+
+void beginCommand(const std::string& command) {
+    CTraceUtility::WriteDebug("m", TRACE_DBG_FLOW, "%s [%s > /opt/tarvenn/kvl/provider/tmp/x 2> /dev/null]",
+                              kRunner.c_str(), command.c_str());
+}
+
+void runCommand(int result) {
+    beginCommand(kCommand);
+    CTraceUtility::WriteDebug("m", TRACE_DBG_BOUNDARY, "[LEAVE] %s, rc=%d", kRunner.c_str(), result);
+}
+
+TEST(CollectionProgress, FollowsTheTraceOfTheLibrary) {
+    std::ostringstream terminal;
+    TheRun run(RunOptions(), Turn::kHeld, std::make_unique<Display>(Display::Mode::kProgress, terminal, 80));
+    const CollectionProgress progress(run);
+    runCommand(-1);
+    EXPECT_EQ(kCommand, progress.commands().command());
+    EXPECT_THAT(progress.commands().failures(), ElementsAre(FailedCommand{kCommand, "printed nothing"}));
+    EXPECT_THAT(terminal.str(), HasSubstr(kCommand));
+}
+
+TEST(CollectionProgress, ShowsThePausesOfTheLibrary) {
+    std::ostringstream terminal;
+    TheRun run(RunOptions(), Turn::kHeld, std::make_unique<Display>(Display::Mode::kProgress, terminal, 80));
+    const CollectionProgress progress(run);
+    Sleep(1);
+    EXPECT_EQ("\rpausing for 1 ms", terminal.str());
+}
+
+TEST(CollectionProgress, ClearsTheLineAndStopsWatchingAtItsEnd) {
+    std::ostringstream terminal;
+    {
+        TheRun run(RunOptions(), Turn::kHeld, std::make_unique<Display>(Display::Mode::kProgress, terminal, 80));
+        const CollectionProgress progress(run);
+        runCommand(0);
+    }
+    EXPECT_EQ("\r" + kCommand + "\r" + std::string(kCommand.size(), ' ') + "\r", terminal.str());
+    EXPECT_FALSE(kvl::host::hasTraceObserver());
+    terminal.str("");
+    runCommand(0);
+    Sleep(1);
+    EXPECT_EQ("", terminal.str());
+}
+
+TEST(CollectionProgress, NamesTheCommandAndThePlaceInTheWalk) {
+    std::ostringstream terminal;
+    TheRun run(RunOptions(), Turn::kHeld, std::make_unique<Display>(Display::Mode::kProgress, terminal, 80));
+    CollectionProgress progress(run);
+    beginCommand("/usr/sbin/ethtool -i eth1");
+    EXPECT_EQ("/usr/sbin/ethtool -i eth1", run.display().shown());
+    progress.setInterfaces({"eth0", "eth1", "eth2"});
+    beginCommand("/usr/sbin/ethtool -i eth1");
+    EXPECT_EQ("eth1 (2 of 3): /usr/sbin/ethtool -i eth1", run.display().shown());
+}
+
+TEST(CollectionProgress, CountsTheSecondsOfAWaitAnewForEachCommand) {
+    std::ostringstream terminal;
+    TheRun run(RunOptions(), Turn::kHeld, std::make_unique<Display>(Display::Mode::kProgress, terminal, 100));
+    const CollectionProgress progress(run);
+    beginCommand("/sbin/route");
+    sleep(0);
+    sleep(0);
+    EXPECT_EQ("2 of 10 s  no output yet from /sbin/route", run.display().shown());
+    beginCommand("/bin/uname -r");
+    sleep(0);
+    EXPECT_EQ("1 of 10 s  no output yet from /bin/uname -r", run.display().shown());
+}
+
+class Interrupt : public testing::TestWithParam<int> {};
+
+// While the shell runs a command, the terminal's signal ends that command and not this process.
+TEST_P(Interrupt, OfACommandEndsTheProgram) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const int ending = GetParam();
+    EXPECT_EXIT(
+        {
+            std::ostringstream terminal;
+            TheRun run(RunOptions(), Turn::kHeld, std::make_unique<Display>(Display::Mode::kNothing, terminal, 80));
+            const CollectionProgress progress(run);
+            runCommand(ending);
+        },
+        testing::KilledBySignal(ending), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, Interrupt, testing::Values(SIGINT, SIGQUIT));
+
+TEST(CollectionProgress, GoesOnWhenAnotherSignalEndedACommand) {
+    std::ostringstream terminal;
+    TheRun run(RunOptions(), Turn::kHeld, std::make_unique<Display>(Display::Mode::kNothing, terminal, 80));
+    const CollectionProgress progress(run);
+    runCommand(SIGKILL);
+    EXPECT_THAT(progress.commands().failures(), ElementsAre(FailedCommand{kCommand, "was ended by signal 9"}));
+}
+
+}  // namespace
