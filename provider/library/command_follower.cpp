@@ -28,7 +28,6 @@ CommandFollower::Event CommandFollower::follow(TRACE_DBG_LEVEL level, const std:
         case TraceEvent::kCommandEnds: {
             const int result = std::atoi(traced.value.c_str());
             signal_ = result > 0 ? result & kSignalBits : 0;
-            outcome_.clear();
             if (result < 0) {
                 fail(std::string(traced.detail));
             } else if (result > 0) {

@@ -41,7 +41,7 @@ void ToolCommands::follow(TRACE_DBG_LEVEL level, const std::string& text) {
 
 void ToolCommands::showPause(unsigned long milliseconds) {
     run_.display().countDown(subject_ + "no dump of this port yet, trying again",
-                             (milliseconds + kMillisecondsPerSecond - 1) / kMillisecondsPerSecond);
+                             milliseconds / kMillisecondsPerSecond);
 }
 
 }  // namespace kvl::provider

@@ -94,6 +94,15 @@ TEST(AdapterSession, QuotesWhatTheShellSaysOfAToolThatDoesNotBegin) {
         outcome.errors);
 }
 
+TEST(AdapterSession, QuotesNothingThatAnEarlierCommandSaid) {
+    const Outcome outcome = runOnServer(
+        "rm $tool; echo '#!/bin/sh\ncase $1 in listhbas) echo busy >&2; exec /.machine/hbacmd \"$@\" ;; esac; exit 1' "
+        ">$tool; chmod 755 $tool; run kvl version 15:00.0 --kind boot");
+    EXPECT_EQ("ended with 3\n", outcome.output);
+    EXPECT_THAT(outcome.errors, HasSubstr(" failed (error 0): "));
+    EXPECT_THAT(outcome.errors, Not(HasSubstr("busy")));
+}
+
 TEST(AdapterSession, NeedsNoStandardStreams) {
     const Outcome outcome = runOnServer(
         "fault failing; run kvl adapters 2>&-; cure; kvl adapters --family fc >&- 2>&-; echo \"ended with $?\"; "
