@@ -1,10 +1,12 @@
 #ifndef KVL_PROVIDER_REPORT_COLLECTION_SESSION_H
 #define KVL_PROVIDER_REPORT_COLLECTION_SESSION_H
 
+#include <chrono>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "provider/machine/machine_layer.h"
 #include "provider/output/collection_display.h"
 #include "provider/report/collection_watch.h"
 
@@ -14,7 +16,8 @@ namespace kvl::provider {
 /// end removes the result files that are left. One at a time.
 class CollectionSession {
 public:
-    explicit CollectionSession(CollectionDisplay& display);
+    /// @param commandLimit  longest time of a command; 0: none
+    CollectionSession(CollectionDisplay& display, std::chrono::seconds commandLimit);
     ~CollectionSession();
 
     CollectionSession(const CollectionSession&) = delete;
@@ -22,12 +25,19 @@ public:
 
     const CollectionWatch& watch() const { return watch_; }
 
+    /// The names by which the library knows the interfaces.
+    const InterfaceNames& names() const { return layer_.names(); }
+
+    /// What could not be collected, a sentence each, with the machine's own names.
+    std::vector<std::string> failures() const;
+
 private:
     void takeTrace(TRACE_DBG_LEVEL level, const std::string& text);
-    void passInterruptOn();
+    void endBy(int signal);
     void removeResultFiles();
 
     CollectionDisplay& display_;
+    MachineLayer layer_;
     CollectionWatch watch_;
     std::set<std::string> commands_;
 };

@@ -43,10 +43,10 @@ constexpr const char* kExamples =
 
 /// Collects and writes the report.
 /// @param file  where it goes; empty for standard output
-/// @return the commands that failed
-std::vector<FailedCommand> makeReport(const ReportOptions& options, const std::string& file) {
+/// @return what could not be collected, a sentence each
+std::vector<std::string> makeReport(const ReportOptions& options, const std::string& file) {
     CollectionDisplay display(displayMode(options.run), std::cerr, terminalWidth());
-    const CollectionSession session(display);
+    const CollectionSession session(display, std::chrono::seconds(options.commandLimitSeconds));
     ReportOutput output(options, file);
     try {
         LanCollection collection(options);
@@ -55,19 +55,19 @@ std::vector<FailedCommand> makeReport(const ReportOptions& options, const std::s
         }
         const bool written = collection.write(output.documentFile());
         display.clear();
-        output.finish(written, collection.vendors());
+        output.finish(written, collection.vendors(), session.names());
     } catch (const std::logic_error&) {
         refuse(options, session.watch(),
                "no report: the output of " + session.watch().command() + " does not have the expected form");
     }
-    return session.watch().failures();
+    return session.failures();
 }
 
 int collectAndReport(const ReportOptions& options, const std::string& file) {
     needResultDirectory();
-    const std::vector<FailedCommand> failures = makeReport(options, file);
-    for (const FailedCommand& failure : failures) {
-        std::cerr << "kvl: " << describeFailure(failure) << '\n';
+    const std::vector<std::string> failures = makeReport(options, file);
+    for (const std::string& failure : failures) {
+        std::cerr << "kvl: " << failure << '\n';
     }
     return failures.empty() ? kReportWritten : kPartlyCollected;
 }
@@ -79,7 +79,8 @@ SuppliedCommands commandsToSupply(const ReportOptions& options) {
 
 int report(const ReportOptions& options, const Arguments& arguments) {
     enterProviderEnvironment();
-    if (const auto lock = CollectionLock::handedDown(collectionLockFile())) {
+    if (auto lock = CollectionLock::handedDown(collectionLockFile())) {
+        lock->shareWithCommands();
         // This is the run in the private view, and all that comes below is done.
         return collectAndReport(options, placeOfOutput(options.outputFile));
     }
@@ -88,8 +89,9 @@ int report(const ReportOptions& options, const Arguments& arguments) {
     if (supplied.empty()) {
         needResultDirectory();
     }
-    const CollectionLock lock = takeTurn(options.run.waitSeconds);
+    CollectionLock lock = takeTurn(options.run.waitSeconds);
     if (supplied.empty()) {
+        lock.shareWithCommands();
         return collectAndReport(options, options.outputFile);
     }
     lock.handDown();

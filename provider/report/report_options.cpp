@@ -42,6 +42,7 @@ struct NamedChoice {
 constexpr std::array<NamedChoice, 2> kChoices = {{{"auto", LegacyCommands::kAuto}, {"never", LegacyCommands::kNever}}};
 
 constexpr std::size_t kLongestVendor = 4;
+constexpr int kLongestCommandLimit = 24 * 60 * 60;
 constexpr std::size_t kLongestModule = 64;
 constexpr const char* kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_";
 constexpr const char* kHexDigits = "0123456789abcdefABCDEF";
@@ -186,6 +187,12 @@ void addReportOptions(CLI::App& command, ReportOptions& options) {
     addContentOptions(command, options);
     addOutputOptions(command, options);
     addViewOptions(command, options);
+    command
+        .add_option("--command-limit", options.commandLimitSeconds,
+                    "Longest time of one command; one that takes longer is ended and named\n"
+                    "(default: 20; 0 for none)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0, kLongestCommandLimit).description(""));
     addRunOptions(command, options.run);
 }
 

@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "provider/machine/provider_environment.h"
+#include "provider/output/text_block.h"
 #include "provider/provider_error.h"
 #include "provider/report/report_document.h"
 #include "provider/report/report_text.h"
@@ -31,6 +32,35 @@ bool writeFile(const std::string& path, const std::string& content) {
 bool writeStandardOutput(const std::string& content) {
     std::cout << content << std::flush;
     return std::cout.good();
+}
+
+/// The name as it stands in a document: without what acts on a terminal, which XML has no signs for.
+std::string escapedName(const std::string& name) {
+    std::string escaped;
+    for (const char character : printable(name)) {
+        switch (character) {
+            case '&':
+                escaped += "&amp;";
+                break;
+            case '<':
+                escaped += "&lt;";
+                break;
+            case '>':
+                escaped += "&gt;";
+                break;
+            case '"':
+                escaped += "&quot;";
+                break;
+            default:
+                escaped += character;
+        }
+    }
+    return escaped;
+}
+
+/// Has the document show the machine's names of the interfaces. @return false if it can't be written
+bool nameForPeople(const std::string& document, const InterfaceNames& names) {
+    return names.empty() || writeFile(document, names.textForPeople(contentOf(document), escapedName));
 }
 
 std::string listed(const std::list<std::string>& vendors) {
@@ -79,9 +109,9 @@ void ReportOutput::removeTemporary() const {
     }
 }
 
-void ReportOutput::finish(bool written, const std::list<std::string>& vendors) {
+void ReportOutput::finish(bool written, const std::list<std::string>& vendors, const InterfaceNames& names) {
     const std::string target = options_.outputFile.empty() ? "standard output" : options_.outputFile;
-    if (!written) {
+    if (!written || !nameForPeople(documentFile_, names)) {
         throw ProviderError(kNothingCollected, "the report could not be written to " +
                                                    (isTemporary() ? documentFile_ : target) +
                                                    ": see whether the directory can be written and the disk has room");

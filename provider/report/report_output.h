@@ -4,6 +4,7 @@
 #include <list>
 #include <string>
 
+#include "provider/machine/interface_names.h"
 #include "provider/report/report_options.h"
 
 namespace kvl::provider {
@@ -30,8 +31,9 @@ public:
 
     /// Does the rest.
     /// @param written  whether the library could write its file
+    /// @param names    by which the library knows the interfaces
     /// @throws ProviderError if something couldn't be written
-    void finish(bool written, const std::list<std::string>& vendors);
+    void finish(bool written, const std::list<std::string>& vendors, const InterfaceNames& names);
 
 private:
     bool isTemporary() const { return documentFile_ != file_; }

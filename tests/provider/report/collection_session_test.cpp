@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <cstdlib>
 #include <sstream>
 
 #include "host/HostFunctions.h"
@@ -19,6 +20,7 @@ using testing::HasSubstr;
 
 // No command of this name leaves a result file, and so nothing is removed in the end.
 const std::string kCommand = "/usr/sbin/no-such-command-of-a-test -x";
+constexpr std::chrono::seconds kNoLimit(0);
 const std::string kRunner = "int CNetworkParameter::ExecCommand(const char*, ...)";
 
 void runCommand(int result) {
@@ -30,7 +32,7 @@ void runCommand(int result) {
 TEST(CollectionSession, FollowsTheTraceOfTheLibrary) {
     std::ostringstream terminal;
     CollectionDisplay display(CollectionDisplay::Mode::kProgress, terminal, 80);
-    const CollectionSession session(display);
+    const CollectionSession session(display, kNoLimit);
     runCommand(-1);
     EXPECT_EQ(kCommand, session.watch().command());
     EXPECT_THAT(session.watch().failures(), ElementsAre(FailedCommand{kCommand, "printed nothing"}));
@@ -40,7 +42,7 @@ TEST(CollectionSession, FollowsTheTraceOfTheLibrary) {
 TEST(CollectionSession, ShowsThePausesOfTheLibrary) {
     std::ostringstream terminal;
     CollectionDisplay display(CollectionDisplay::Mode::kProgress, terminal, 80);
-    const CollectionSession session(display);
+    const CollectionSession session(display, kNoLimit);
     Sleep(1);
     EXPECT_EQ("\rpausing for 1 ms", terminal.str());
 }
@@ -49,7 +51,7 @@ TEST(CollectionSession, ClearsTheLineAndStopsWatchingAtItsEnd) {
     std::ostringstream terminal;
     CollectionDisplay display(CollectionDisplay::Mode::kProgress, terminal, 80);
     {
-        const CollectionSession session(display);
+        const CollectionSession session(display, kNoLimit);
         runCommand(0);
     }
     EXPECT_EQ("\r" + kCommand + "\r" + std::string(kCommand.size(), ' ') + "\r", terminal.str());
@@ -62,26 +64,26 @@ TEST(CollectionSession, ClearsTheLineAndStopsWatchingAtItsEnd) {
 
 class Interrupt : public testing::TestWithParam<int> {};
 
-// While the shell runs a command, the terminal's signal ends that command and not this process.
-TEST_P(Interrupt, OfACommandEndsTheProgram) {
+TEST_P(Interrupt, WhileACommandRunsEndsCommandAndProgram) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     const int ending = GetParam();
     EXPECT_EXIT(
         {
             std::ostringstream terminal;
             CollectionDisplay display(CollectionDisplay::Mode::kNothing, terminal, 80);
-            const CollectionSession session(display);
-            runCommand(ending);
+            const CollectionSession session(display, kNoLimit);
+            const std::string line = "kill -" + std::to_string(ending) + " $PPID; exec sleep 1000";
+            std::exit(std::system(line.c_str()));
         },
         testing::KilledBySignal(ending), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, Interrupt, testing::Values(SIGINT, SIGQUIT));
+INSTANTIATE_TEST_SUITE_P(Signals, Interrupt, testing::Values(SIGINT, SIGQUIT, SIGTERM, SIGHUP));
 
-TEST(CollectionSession, GoesOnWhenAnotherSignalEndedACommand) {
+TEST(CollectionSession, GoesOnWhenASignalEndedACommandAlone) {
     std::ostringstream terminal;
     CollectionDisplay display(CollectionDisplay::Mode::kNothing, terminal, 80);
-    const CollectionSession session(display);
+    const CollectionSession session(display, kNoLimit);
     runCommand(SIGKILL);
     EXPECT_THAT(session.watch().failures(), ElementsAre(FailedCommand{kCommand, "was ended by signal 9"}));
 }
