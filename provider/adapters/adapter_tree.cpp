@@ -77,6 +77,7 @@ void needAdapterTree() {
     if (!isPlainPath(tree)) {
         refuse(tree, "holds characters that a shell would not take as they are: choose another install directory");
     }
+    needSafeParents(tree, "adapters' directory");
     makeParents(tree);
     CEmulexCommon::SetLastError(0);
     if (!CEmulexCommon::CreateLocalDirectory()) {

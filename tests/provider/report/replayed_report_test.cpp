@@ -227,8 +227,7 @@ TEST_F(ChangedServer, IsNotAskedWhereOthersCanUseTheResultDirectory) {
 TEST(ReplayedReport, GivesUpWhenAnotherCollectionGoesOn) {
     auto options = rootWithKvl(std::string(KVL_MACHINES_FOLDER) + "/one-port");
     options.binds.push_back({"/usr/bin/flock"});
-    const Outcome outcome =
-        runInside(options, std::string("/usr/bin/flock /tmp/kvl.lock ") + KVL_PROGRAM + " report --wait 0");
+    const Outcome outcome = runInside(options, kvl::test::lockingInside() + KVL_PROGRAM + " report --wait 0");
     EXPECT_EQ(3, outcome.status);
     EXPECT_EQ(
         "kvl: another kvl, or a command that one has left behind, still works on this machine: try again when it has "
