@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/adapter/adapter_test.h"
+#include "tests/adapter/literal_trace.h"
 #include "tests/foundation/descriptor_in_file.h"
 
 namespace kvl::test {
