@@ -70,9 +70,9 @@ TEST_F(FwUpdateFamily, IsNotLookedForOnOtherFunctions) {
         EXPECT_EQ(TestHost::trace(), expected(R"(
             4 CEmulexCommon::FwUpdate() [START]
             4 CCommon_Information::GetPCIInfo [START]
-            1 CCommon_Information::GetPCIInfo DeviceID=, PCINo=5, DevNo=0, FuncNo={function}
+            1 CCommon_Information::GetPCIInfo DeviceID=, PCINo=5, DevNo=0, FuncNo=1
             4 CCommon_Information::GetPCIInfo [END]
-            1 Func Number is [{function}]
+            1 Func Number is [1]
             1 Func Number is not 0.FwUpdate is skipped
             4 CEmulexCommon::FwUpdate() [END]
         )"));
@@ -128,9 +128,9 @@ TEST_F(FwUpdateFamily, OfWhichASkippedFunctionNeedsNothingElse) {
     EXPECT_EQ(TestHost::trace(), expected(R"(
         4 CEmulexCommon::FwUpdate() [START]
         4 CCommon_Information::GetPCIInfo [START]
-        1 CCommon_Information::GetPCIInfo DeviceID=, PCINo=5, DevNo=0, FuncNo={function}
+        1 CCommon_Information::GetPCIInfo DeviceID=, PCINo=5, DevNo=0, FuncNo=1
         4 CCommon_Information::GetPCIInfo [END]
-        1 Func Number is [{function}]
+        1 Func Number is [1]
         1 Func Number is not 0.FwUpdate is skipped
         4 CEmulexCommon::FwUpdate() [END]
     )"));
