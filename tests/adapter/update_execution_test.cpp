@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 constexpr std::size_t kTenMebibytes = 10 * 1024 * 1024;
 const std::string kReports = "/tmp/reports";
 
-// ---- the run ----
+// ---- The run ----
 
 using UpdaterRun = UpdateExecution;
 
@@ -150,7 +150,7 @@ TEST_F(UpdaterRun, DeletesNothingWithoutAReportDirectory) {
     EXPECT_EQ(contentOf("/one.txt"), "");
 }
 
-// ---- the exit code ----
+// ---- The exit code ----
 
 using UpdaterExitCode = UpdateExecution;
 
@@ -206,7 +206,7 @@ TEST_F(UpdaterExitCode, IsOneWhereTheResultFileCannotBeOpenedOrTheWorkDirectoryI
     }
 }
 
-// ---- the first line ----
+// ---- The first line ----
 
 using UpdaterFirstLine = UpdateExecution;
 
@@ -275,7 +275,7 @@ TEST_F(UpdaterFirstLine, OfADirectoryIsEmpty) {
     )"));
 }
 
-// ---- the output ----
+// ---- The output ----
 
 using UpdaterOutput = UpdateExecution;
 
@@ -554,7 +554,7 @@ TEST_F(UpdaterOutput, IsReadWholeAlsoInOneLineWithoutAnEnd) {
     )"));
 }
 
-// ---- reports ----
+// ---- Reports ----
 
 class UpdaterReport : public UpdateExecution {
 protected:
@@ -755,7 +755,7 @@ TEST_F(UpdaterReport, IsTheFirstOfSeveralWhereThatOneStays) {
     chmod(kReports.c_str(), 0755);
 }
 
-// ---- other modes ----
+// ---- Other modes ----
 
 using UpdaterOtherMode = UpdateExecution;
 

@@ -9,7 +9,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// ---- the message file ----
+// ---- The message file ----
 
 using UpdateMessages = UpdateExecution;
 
@@ -442,7 +442,7 @@ TEST_F(UpdateMessages, AreComparedByteForByte) {
     EXPECT_FALSE(check("SuccessMessage=D.*e\n", "Done\n"));
 }
 
-// ---- the end text ----
+// ---- The end text ----
 
 using UpdateEnd = UpdateExecution;
 
@@ -669,7 +669,7 @@ TEST_F(UpdateEnd, StandsInOneLineWithItsCaseAndEndsTheReading) {
     )"));
 }
 
-// ---- the success text ----
+// ---- The success text ----
 
 using UpdateSuccess = UpdateExecution;
 
