@@ -316,7 +316,7 @@ TEST(AdapterTree, IsRefusedWhereOthersCanWrite) {
 }
 
 TEST(AdapterTree, IsRefusedBelowADirectoryThatOthersCanChange) {
-    const Outcome outcome = runOnServer("chmod 777 /opt/tarvenn/kvl/tmp; run kvl adapters");
+    const Outcome outcome = runOnServer("kvl adapters >/dev/null; chmod 777 /opt/tarvenn/kvl/tmp; run kvl adapters");
     EXPECT_EQ("ended with 3\n", outcome.output);
     EXPECT_EQ(
         "kvl: the adapters' directory /opt/tarvenn/kvl/tmp/EMULEX lies in /opt/tarvenn/kvl/tmp, where other users can "
