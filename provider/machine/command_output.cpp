@@ -1,6 +1,8 @@
 #include "provider/machine/command_output.h"
 
+#include <algorithm>
 #include <array>
+#include <optional>
 #include <sstream>
 #include <string_view>
 #include <vector>
@@ -67,17 +69,14 @@ bool isHexadecimal(std::string_view text) {
     return !text.empty() && text.find_first_not_of("0123456789abcdefABCDEF") == text.npos;
 }
 
-/// The kernel's form of a PCI address: 0000:03:00.0, the domain with more digits where it needs them.
-bool isPciAddress(std::string_view text) {
-    constexpr std::size_t kAfterDomain = 8;  // :03:00.0
-    constexpr std::size_t kShortestDomain = 4;
-    if (text.size() < kShortestDomain + kAfterDomain) {
-        return false;
+/// @return the value after the key and its colon; nothing for a line with another key
+std::optional<std::string> busInfoOfLine(const std::string& line) {
+    constexpr const char* kBlanks = " \t\r";
+    if (line.rfind(kBusInfoKey, 0) != 0) {
+        return std::nullopt;
     }
-    const std::string_view domain = text.substr(0, text.size() - kAfterDomain);
-    const std::string_view rest = text.substr(domain.size());
-    return isHexadecimal(domain) && rest[0] == ':' && isHexadecimal(rest.substr(1, 2)) && rest[3] == ':' &&
-           isHexadecimal(rest.substr(4, 2)) && rest[6] == '.' && isHexadecimal(rest.substr(7));
+    const auto begin = line.find_first_not_of(kBlanks, std::min(line.size(), line.find(':')) + 1);
+    return begin == std::string::npos ? "" : line.substr(begin, line.find_last_not_of(kBlanks) + 1 - begin);
 }
 
 }  // namespace
@@ -97,7 +96,29 @@ std::set<std::string> interfaceNamesIn(const PlainCommand& command, const std::s
     return names;
 }
 
-std::string withholdForeignBusInfo(const PlainCommand& command, std::string& output) {
+std::string busInfoIn(const std::string& output) {
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) {
+        if (const auto busInfo = busInfoOfLine(line)) {
+            return *busInfo;
+        }
+    }
+    return "";
+}
+
+bool isPciAddress(std::string_view text) {
+    constexpr std::size_t kAfterDomain = 8;  // :03:00.0
+    constexpr std::size_t kShortestDomain = 4;
+    if (text.size() < kShortestDomain + kAfterDomain) {
+        return false;
+    }
+    const std::string_view domain = text.substr(0, text.size() - kAfterDomain);
+    const std::string_view rest = text.substr(domain.size());
+    return isHexadecimal(domain) && rest[0] == ':' && isHexadecimal(rest.substr(1, 2)) && rest[3] == ':' &&
+           isHexadecimal(rest.substr(4, 2)) && rest[6] == '.' && isHexadecimal(rest.substr(7));
+}
+
+std::string withholdForeignBusInfo(const PlainCommand& command, const std::string& pciAddress, std::string& output) {
     if (describe(command).rfind(kDriverCommand, 0) != 0) {
         return "";
     }
@@ -105,19 +126,17 @@ std::string withholdForeignBusInfo(const PlainCommand& command, std::string& out
     std::string kept;
     std::istringstream lines(output);
     for (std::string line; std::getline(lines, line);) {
-        const bool isBusInfo = line.rfind(kBusInfoKey, 0) == 0;
-        const auto colon = line.find(':');
-        const auto begin = colon == std::string::npos ? colon : line.find_first_not_of(" \t\r", colon + 1);
-        const std::string value = begin == std::string::npos ? "" : line.substr(begin);
-        if (isBusInfo && !value.empty() && !isPciAddress(value.substr(0, value.find_last_not_of(" \t\r") + 1))) {
-            withheld = value;
+        const std::string end = lines.eof() ? "" : "\n";
+        const std::string busInfo = busInfoOfLine(line).value_or("");
+        if (busInfo.empty() || isPciAddress(busInfo)) {
+            kept += line + end;
+        } else if (!pciAddress.empty()) {
+            kept += std::string(kBusInfoKey) + ": " + pciAddress + end;
         } else {
-            kept += line + (lines.eof() ? "" : "\n");
+            withheld = busInfo;
         }
     }
-    if (!withheld.empty()) {
-        output = kept;
-    }
+    output = kept;
     return withheld;
 }
 

@@ -263,23 +263,17 @@ CommandRunner::Ending CommandRunner::runProcesses(const std::string& line, const
     return ending;
 }
 
-int CommandRunner::run(const std::string& line) {
-    const int savedErrno = errno;
+/// Runs the command, unless one about the same reached the limit, and notes what became of it.
+/// @param observation  names the command as the library knows it
+const CommandObservation& CommandRunner::observe(const std::string& line, const std::optional<PlainCommand>& command,
+                                                 CommandObservation observation) {
     endGroup();
     prctl(PR_SET_CHILD_SUBREAPER, 1);  // what a command leaves behind stays visible
-    std::optional<PlainCommand> command = readPlainCommand(line);
-    CommandObservation observation;
-    observation.command = command ? describe(*command) : line;
     const std::string subject = command ? subjectOf(*command) : line;
     if (hanging_.count(subject) > 0) {
         observation.wasLeftOut = true;
         observation.status = kExitedAtLimit;
-        observations_.push_back(observation);
-        return observation.status;
-    }
-
-    if (command && hooks_.outgoing) {
-        hooks_.outgoing(*command);
+        return observations_.emplace_back(std::move(observation));
     }
     const Clock::time_point begin = Clock::now();
     const Ending ending = runProcesses(line, command);
@@ -288,7 +282,6 @@ int CommandRunner::run(const std::string& line) {
     observation.signal = !ending.reachedLimit && WIFSIGNALED(ending.status) ? WTERMSIG(ending.status) : 0;
     observation.status = ending.reachedLimit ? kExitedAtLimit : command ? asShellHasIt(ending.status) : ending.status;
     observation.lastWords = ending.lastWords;
-    observations_.push_back(observation);
     if (ending.reachedLimit) {
         hanging_.insert(subject);
         endGroup();
@@ -297,12 +290,30 @@ int CommandRunner::run(const std::string& line) {
         endGroup();
         hooks_.interrupted(ending.signal);
     }
-    if (command && observation.status == 0 && hooks_.incoming) {
+    mayStillWrite();  // forgets an empty group before its number can be another's
+    return observations_.emplace_back(std::move(observation));
+}
+
+int CommandRunner::run(const std::string& line) {
+    const int savedErrno = errno;
+    std::optional<PlainCommand> command = readPlainCommand(line);
+    CommandObservation observation;
+    observation.command = command ? describe(*command) : line;
+    if (command && hooks_.outgoing) {
+        hooks_.outgoing(*command);
+    }
+    const int status = observe(line, command, std::move(observation)).status;
+    if (command && status == 0 && hooks_.incoming) {
         hooks_.incoming(*command);
     }
-    mayStillWrite();  // forgets an empty group before its number can be another's
     errno = savedErrno;
-    return observation.status;
+    return status;
+}
+
+int CommandRunner::run(const PlainCommand& command) {
+    CommandObservation observation;
+    observation.command = describe(command);
+    return observe("", command, std::move(observation)).status;
 }
 
 bool CommandRunner::mayStillWrite() {

@@ -52,6 +52,9 @@ public:
     ///         124, as with timeout(1)
     int run(const std::string& line);
 
+    /// The same for a command of the machine layer's own, which is neither translated nor left to a shell.
+    int run(const PlainCommand& command);
+
     /// @return true if something that the last command has started still runs, and so may still write
     bool mayStillWrite();
 
@@ -61,6 +64,8 @@ private:
     struct Ending;
 
     Ending runProcesses(const std::string& line, const std::optional<PlainCommand>& command);
+    const CommandObservation& observe(const std::string& line, const std::optional<PlainCommand>& command,
+                                      CommandObservation observation);
     void endGroup();
 
     const std::chrono::milliseconds limit_;

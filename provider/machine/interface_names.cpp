@@ -17,6 +17,38 @@ bool isNameByte(char character) {
            (isPlainWord(std::string(1, character)) && kBetweenNames.find(character) == kBetweenNames.npos);
 }
 
+bool holds(const std::string& text, const char* part) {
+    return text.find(part) != std::string::npos;
+}
+
+/// @return true if the library would drop an interface of this role by its name, or take it for one of another role
+bool isMisread(const std::string& name, InterfaceRole role) {
+    const bool isDropped = holds(name, "lo") || holds(name, "sit");
+    switch (role) {
+        case InterfaceRole::kPort:
+            return isDropped || name.rfind("eth", 0) != 0 || holds(name, ".");
+        case InterfaceRole::kBond:
+        case InterfaceRole::kVlan:
+            return isDropped || (holds(name, "eth") && !holds(name, "."));
+        case InterfaceRole::kOther:
+            return false;
+    }
+    return false;
+}
+
+const char* stemOf(InterfaceRole role) {
+    return role == InterfaceRole::kPort ? "eth" : role == InterfaceRole::kBond ? "bond" : "vlan";
+}
+
+/// @return the stem with the lowest number that gives a free name
+std::string firstFree(const std::string& stem, const std::function<bool(const std::string&)>& isFree) {
+    int number = 0;
+    while (!isFree(stem + std::to_string(number))) {
+        ++number;
+    }
+    return stem + std::to_string(number);
+}
+
 /// The part of a word that the table may hold: all of it, or the interface in front of the colon of an alias.
 std::string nameIn(const std::map<std::string, std::string>& table, const std::string& word) {
     return table.count(word) > 0 ? word : word.substr(0, word.find(':'));
@@ -30,21 +62,29 @@ std::string translated(const std::map<std::string, std::string>& table, const st
 
 }  // namespace
 
-void InterfaceNames::add(const std::set<std::string>& names) {
-    known_.insert(names.begin(), names.end());
-    for (const std::string& name : names) {
-        const bool needsStandIn = !isPlainWord(name) || realNames_.count(name) > 0;
+void InterfaceNames::add(const std::map<std::string, InterfaceRole>& interfaces) {
+    for (const auto& entry : interfaces) {
+        known_.insert(entry.first);
+    }
+    for (const auto& [name, role] : interfaces) {
+        const bool needsStandIn = !isPlainWord(name) || realNames_.count(name) > 0 || isMisread(name, role);
         if (needsStandIn && standIns_.count(name) == 0) {
-            const std::string standIn = freeStandIn(name);
+            const std::string standIn = standInFor(name, role);
             standIns_[name] = standIn;
             realNames_[standIn] = name;
         }
     }
 }
 
-/// The name with a sign for each byte that is not plain; a number follows where that is taken. An alias keeps the name
-/// that its interface has for the library.
-std::string InterfaceNames::freeStandIn(const std::string& name) const {
+bool InterfaceNames::isFree(const std::string& name) const {
+    return known_.count(name) == 0 && realNames_.count(name) == 0;
+}
+
+/// An alias keeps the name that its interface has for the library.
+std::string InterfaceNames::standInFor(const std::string& name, InterfaceRole role) const {
+    if (isMisread(name, role)) {
+        return firstFree(stemOf(role), [this](const std::string& candidate) { return isFree(candidate); });
+    }
     const auto colon = std::min(name.size(), name.find(':'));
     std::string shape = forLibrary(name.substr(0, colon)) + name.substr(colon);
     std::replace_if(
@@ -52,11 +92,9 @@ std::string InterfaceNames::freeStandIn(const std::string& name) const {
     if (!isPlainWord(shape)) {
         shape.front() = kReplacement;
     }
-    std::string standIn = shape;
-    for (int number = 1; known_.count(standIn) > 0 || realNames_.count(standIn) > 0; ++number) {
-        standIn = shape + kReplacement + std::to_string(number);
-    }
-    return standIn;
+    return isFree(shape)
+               ? shape
+               : firstFree(shape + kReplacement, [this](const std::string& candidate) { return isFree(candidate); });
 }
 
 std::string InterfaceNames::forLibrary(const std::string& name) const {

@@ -6,16 +6,24 @@
 #include <set>
 #include <string>
 
+#include "provider/machine/interface_survey.h"
+
 namespace kvl::provider {
 
-/// The kernel takes almost any bytes as the name of an interface, among them those that make a shell run a command. The
-/// library puts names into shell lines. So a name that a shell would take apart gets a stand-in of the same shape, with
-/// "_" for each such byte, before the library sees it; the library then knows the interface by that.
+/// The names by which the library knows the interfaces of the machine, where it can't know them by their own:
+///
+/// - The kernel takes almost any bytes as a name, among them those that make a shell run a command, and the library
+/// puts
+///   names into shell lines. Such a name gets a stand-in of the same shape, with "_" for each such byte.
+/// - The library takes an interface for a port by its name: one that begins with "eth" and holds neither "." nor ":".
+/// It
+///   drops names that hold "lo" or "sit". A port, a bond or a VLAN whose name it would misread gets a stand-in of the
+///   form that it reads, with a free number: eth2, bond0, vlan1.
 class InterfaceNames {
 public:
-    /// Makes a name known, with a stand-in if it needs one. Names that are to be told apart should be made known
-    /// together, before the text that holds them is translated.
-    void add(const std::set<std::string>& names);
+    /// Makes interfaces known, with stand-ins for the names that need one. All whose names the library is to tell apart
+    /// should be made known together, before a text that names them is translated.
+    void add(const std::map<std::string, InterfaceRole>& interfaces);
 
     /// @return true if every name is known to the library as it is
     bool empty() const { return realNames_.empty(); }
@@ -37,7 +45,8 @@ public:
                               const std::function<std::string(const std::string&)>& shown) const;
 
 private:
-    std::string freeStandIn(const std::string& name) const;
+    std::string standInFor(const std::string& name, InterfaceRole role) const;
+    bool isFree(const std::string& name) const;
 
     std::map<std::string, std::string> standIns_;   // by the machine's name
     std::map<std::string, std::string> realNames_;  // by the stand-in

@@ -3,11 +3,13 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "provider/machine/command_runner.h"
 #include "provider/machine/interface_names.h"
+#include "provider/machine/opened_files.h"
 
 namespace kvl::provider {
 
@@ -18,12 +20,18 @@ struct WithheldBusInfo {
 };
 
 /// What stands between the library and the machine while a LAN configuration is collected: runs the library's commands,
-/// and keeps from it every word that would mean something to a shell. One object at a time.
+/// keeps from it every word that would mean something to a shell, and hands it names and PCI addresses in the form that
+/// it reads. One object at a time.
 class MachineLayer {
 public:
-    /// @param limit        longest time of a command; 0: none
+    struct Rules {
+        std::chrono::milliseconds commandLimit{0};  ///< Longest time of a command; 0: none.
+        bool translates =
+            true;  ///< False: the library sees the machine as it is, but for what a shell would take apart.
+    };
+
     /// @param interrupted  is called when a signal asks this process to end while a command runs
-    MachineLayer(std::chrono::milliseconds limit, std::function<void(int signal)> interrupted);
+    MachineLayer(const Rules& rules, std::function<void(int signal)> interrupted);
 
     const InterfaceNames& names() const { return names_; }
     const std::vector<WithheldBusInfo>& withheld() const { return withheld_; }
@@ -31,12 +39,17 @@ public:
 
 private:
     void nameForMachine(PlainCommand& command) const;
-    void makeSafe(const PlainCommand& command);
+    void translate(const PlainCommand& command);
+    void addNames(const PlainCommand& command, const std::string& output);
+    std::string askForDriver(const std::string& interface);
+    std::optional<std::string> contentForLibrary(const std::string& path) const;
 
+    const bool translates_;
     InterfaceNames names_;
     std::vector<WithheldBusInfo> withheld_;
     CommandRunner runner_;
     const RunnerInCharge inCharge_;
+    const AnsweredFiles answeredFiles_;
 };
 
 }  // namespace kvl::provider

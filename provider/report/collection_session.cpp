@@ -34,8 +34,8 @@ std::string secondsOf(std::chrono::milliseconds duration) {
 
 }  // namespace
 
-CollectionSession::CollectionSession(CollectionDisplay& display, std::chrono::seconds commandLimit)
-    : display_(display), layer_(commandLimit, [this](int signal) { endBy(signal); }) {
+CollectionSession::CollectionSession(CollectionDisplay& display, const MachineLayer::Rules& rules)
+    : display_(display), layer_(rules, [this](int signal) { endBy(signal); }) {
     host::setTraceObserver(
         [this](const std::string&, TRACE_DBG_LEVEL level, const std::string& text) { takeTrace(level, text); });
     host::setWaitObserver([this](unsigned long milliseconds) { display_.showPause(milliseconds); });

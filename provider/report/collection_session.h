@@ -1,7 +1,6 @@
 #ifndef KVL_PROVIDER_REPORT_COLLECTION_SESSION_H
 #define KVL_PROVIDER_REPORT_COLLECTION_SESSION_H
 
-#include <chrono>
 #include <set>
 #include <string>
 #include <vector>
@@ -16,8 +15,7 @@ namespace kvl::provider {
 /// end removes the result files that are left. One at a time.
 class CollectionSession {
 public:
-    /// @param commandLimit  longest time of a command; 0: none
-    CollectionSession(CollectionDisplay& display, std::chrono::seconds commandLimit);
+    CollectionSession(CollectionDisplay& display, const MachineLayer::Rules& rules);
     ~CollectionSession();
 
     CollectionSession(const CollectionSession&) = delete;

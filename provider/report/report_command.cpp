@@ -46,7 +46,9 @@ constexpr const char* kExamples =
 /// @return what could not be collected, a sentence each
 std::vector<std::string> makeReport(const ReportOptions& options, const std::string& file) {
     CollectionDisplay display(displayMode(options.run), std::cerr, terminalWidth());
-    const CollectionSession session(display, std::chrono::seconds(options.commandLimitSeconds));
+    const MachineLayer::Rules rules = {std::chrono::seconds(options.commandLimitSeconds),
+                                       options.legacyCommands == LegacyCommands::kAuto};
+    const CollectionSession session(display, rules);
     ReportOutput output(options, file);
     try {
         LanCollection collection(options);

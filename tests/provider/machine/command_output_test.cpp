@@ -48,7 +48,7 @@ TEST_P(BusInfoLine, IsHandedOnIfItIsTheAddressOfAPciDevice) {
     const auto [value, isHandedOn] = GetParam();
     const std::string before = "driver: e1000\nbus-info: " + value + "\nsupports-test: yes\n";
     std::string output = before;
-    EXPECT_EQ(isHandedOn ? "" : value, withholdForeignBusInfo(command("/usr/sbin/ethtool -i eth0"), output));
+    EXPECT_EQ(isHandedOn ? "" : value, withholdForeignBusInfo(command("/usr/sbin/ethtool -i eth0"), "", output));
     EXPECT_EQ(isHandedOn ? before : "driver: e1000\nsupports-test: yes\n", output);
 }
 
@@ -61,15 +61,22 @@ INSTANTIATE_TEST_SUITE_P(Forms, BusInfoLine,
                                          BusInfo{"0000:03-00.0", false}, BusInfo{"0000:03:00;0", false},
                                          BusInfo{"N/A", false}, BusInfo{"0000:-1:00.0", false}));
 
+TEST(CommandOutput, HasTheAddressOfThePciDeviceInPlaceOfOtherBusInformation) {
+    std::string output = "driver: virtio_net\nbus-info: virtio0\nsupports-test: no\n";
+    EXPECT_EQ("", withholdForeignBusInfo(command("/usr/sbin/ethtool -i eth0"), "0000:00:03.0", output));
+    EXPECT_EQ("driver: virtio_net\nbus-info: 0000:00:03.0\nsupports-test: no\n", output);
+    EXPECT_EQ("0000:00:03.0", kvl::provider::busInfoIn(output));
+}
+
 TEST(CommandOutput, LeavesTheLinesOfOtherCommandsAlone) {
     std::string output = "bus-info: virtio0\n";
-    EXPECT_EQ("", withholdForeignBusInfo(command("/usr/sbin/ethtool -k eth0"), output));
+    EXPECT_EQ("", withholdForeignBusInfo(command("/usr/sbin/ethtool -k eth0"), "", output));
     EXPECT_EQ("bus-info: virtio0\n", output);
 }
 
 TEST(CommandOutput, KeepsALastLineWithoutAnEnd) {
     std::string output = "bus-info: virtio0\ndriver: x";
-    EXPECT_EQ("virtio0", withholdForeignBusInfo(command("/usr/sbin/ethtool -i eth0"), output));
+    EXPECT_EQ("virtio0", withholdForeignBusInfo(command("/usr/sbin/ethtool -i eth0"), "", output));
     EXPECT_EQ("driver: x", output);
 }
 

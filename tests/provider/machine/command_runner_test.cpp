@@ -145,18 +145,19 @@ TEST_F(CommandRunnerTest, EndsACommandThatIgnoresThePoliteSignal) {
 }
 
 TEST_F(CommandRunnerTest, AsksNoMoreAboutAnInterfaceThatReachedTheLimit) {
-    const std::string tool = script("tool", "#!/bin/sh\necho $1 $2 >> " + (scratch / "calls") +
-                                                "\n[ \"$1 $2\" != '-i eth1' ] || exec sleep 100000\n");
+    const std::string tool = script(
+        "tool", "#!/bin/sh\necho $1 $2 >> " + (scratch / "calls") + "\n[ \"$2\" != eth1 ] || exec sleep 100000\n");
     CommandRunner runner(kShortLimit, {});
     const auto run = [&](const std::string& words) { return runner.run(tool + " " + words + " > " + result); };
-    EXPECT_EQ(0, run("-i eth0"));
     EXPECT_EQ(124 << 8, run("-i eth1"));
     EXPECT_EQ(124 << 8, run("-k eth1"));
-    EXPECT_EQ(0, run("-k eth10"));
-    EXPECT_EQ("-i eth0\n-i eth1\n-k eth10\n", readFile(scratch / "calls"));
-    EXPECT_TRUE(runner.observations()[2].wasLeftOut);
-    EXPECT_FALSE(runner.observations()[2].reachedLimit);
-    EXPECT_FALSE(runner.observations()[3].wasLeftOut);
+    run("-k eth10");  // on a slow machine it may reach the limit too
+    ASSERT_EQ(3U, runner.observations().size());
+    EXPECT_TRUE(runner.observations()[0].reachedLimit);
+    EXPECT_TRUE(runner.observations()[1].wasLeftOut);
+    EXPECT_FALSE(runner.observations()[1].reachedLimit);
+    EXPECT_FALSE(runner.observations()[2].wasLeftOut);
+    EXPECT_THAT(readFile(scratch / "calls"), testing::Not(testing::HasSubstr("-k eth1\n")));
 }
 
 TEST_F(CommandRunnerTest, NotesWhatBecameOfEachCommand) {

@@ -20,7 +20,6 @@ using testing::HasSubstr;
 
 // No command of this name leaves a result file, and so nothing is removed in the end.
 const std::string kCommand = "/usr/sbin/no-such-command-of-a-test -x";
-constexpr std::chrono::seconds kNoLimit(0);
 const std::string kRunner = "int CNetworkParameter::ExecCommand(const char*, ...)";
 
 void runCommand(int result) {
@@ -32,7 +31,7 @@ void runCommand(int result) {
 TEST(CollectionSession, FollowsTheTraceOfTheLibrary) {
     std::ostringstream terminal;
     CollectionDisplay display(CollectionDisplay::Mode::kProgress, terminal, 80);
-    const CollectionSession session(display, kNoLimit);
+    const CollectionSession session(display, {});
     runCommand(-1);
     EXPECT_EQ(kCommand, session.watch().command());
     EXPECT_THAT(session.watch().failures(), ElementsAre(FailedCommand{kCommand, "printed nothing"}));
@@ -42,7 +41,7 @@ TEST(CollectionSession, FollowsTheTraceOfTheLibrary) {
 TEST(CollectionSession, ShowsThePausesOfTheLibrary) {
     std::ostringstream terminal;
     CollectionDisplay display(CollectionDisplay::Mode::kProgress, terminal, 80);
-    const CollectionSession session(display, kNoLimit);
+    const CollectionSession session(display, {});
     Sleep(1);
     EXPECT_EQ("\rpausing for 1 ms", terminal.str());
 }
@@ -51,7 +50,7 @@ TEST(CollectionSession, ClearsTheLineAndStopsWatchingAtItsEnd) {
     std::ostringstream terminal;
     CollectionDisplay display(CollectionDisplay::Mode::kProgress, terminal, 80);
     {
-        const CollectionSession session(display, kNoLimit);
+        const CollectionSession session(display, {});
         runCommand(0);
     }
     EXPECT_EQ("\r" + kCommand + "\r" + std::string(kCommand.size(), ' ') + "\r", terminal.str());
@@ -71,7 +70,7 @@ TEST_P(Interrupt, WhileACommandRunsEndsCommandAndProgram) {
         {
             std::ostringstream terminal;
             CollectionDisplay display(CollectionDisplay::Mode::kNothing, terminal, 80);
-            const CollectionSession session(display, kNoLimit);
+            const CollectionSession session(display, {});
             const std::string line = "kill -" + std::to_string(ending) + " $PPID; exec sleep 1000";
             std::exit(std::system(line.c_str()));
         },
@@ -83,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(Signals, Interrupt, testing::Values(SIGINT, SIGQUIT, SI
 TEST(CollectionSession, GoesOnWhenASignalEndedACommandAlone) {
     std::ostringstream terminal;
     CollectionDisplay display(CollectionDisplay::Mode::kNothing, terminal, 80);
-    const CollectionSession session(display, kNoLimit);
+    const CollectionSession session(display, {});
     runCommand(SIGKILL);
     EXPECT_THAT(session.watch().failures(), ElementsAre(FailedCommand{kCommand, "was ended by signal 9"}));
 }
