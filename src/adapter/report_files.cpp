@@ -2,13 +2,11 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
 
 #include "adapter/CEmulexCommon.h"
-#include "adapter/error_codes.h"
 #include "adapter/report_file.h"
 #include "adapter/report_parser.h"
 #include "adapter/working_tree.h"
@@ -19,18 +17,6 @@
 
 using kvl::AdapterTrace;
 using kvl::ReportFile;
-
-namespace kvl {
-
-ReportFile::ReportFile(const std::string& path)
-    : path_(path), file_(std::fopen(path.c_str(), "r"), std::fclose), openError_(errno) {}
-
-void ReportFile::reportFailure(const AdapterTrace& trace) const {
-    CEmulexCommon::SetLastError(kFileNotOpened);
-    trace.error("File Open Error. file(%s) errcode(%d)", path_, openError_);
-}
-
-}  // namespace kvl
 
 namespace {
 

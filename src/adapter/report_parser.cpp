@@ -21,7 +21,7 @@ const std::string* firstHeld(const std::list<std::string>& texts, const std::str
 
 /// Takes key and value from a line that holds the key. Without a separator or a value nothing is taken.
 void takeValue(const std::string& line, const std::string& key, const std::string& separator, KeyValue& result) {
-    // kept: the search starts at the key and not behind it, so a separator inside the key is the one.
+    // kept: the search starts at the key and not after it, so a separator inside the key is the one.
     const std::string::size_type found = line.find(separator, line.find(key));
     if (found == std::string::npos) {
         return;
@@ -34,7 +34,7 @@ void takeValue(const std::string& line, const std::string& key, const std::strin
     result = {key, line.substr(begin, end - begin)};
 }
 
-/// Reads the lines behind a tag until there is a value. At least one line is read, also where there is one already.
+/// Reads the lines after a tag until there is a value. At least one line is read, also where there is one already.
 void takeFromSection(ReportLines& report, const std::list<std::string>& keys, const std::string& separator,
                      KeyValue& result) {
     std::string line;

@@ -107,7 +107,7 @@ std::string CNetworkParameter::GetColonSeparatedValue(std::string text, unsigned
 
 std::string CNetworkParameter::GetStr(char separator, int index, std::string text) {
     work_str.clear();
-    work_str = kvl::fieldBehind(separator, index, text);
+    work_str = kvl::fieldAfter(separator, index, text);
     return work_str;
 }
 

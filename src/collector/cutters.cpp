@@ -15,7 +15,7 @@ std::string colonSeparatedValue(const std::string& text, std::string::size_type 
     return cut(text, begin);
 }
 
-std::string fieldBehind(char separator, int index, const std::string& text) {
+std::string fieldAfter(char separator, int index, const std::string& text) {
     std::string::size_type start = 1;
     for (int passed = 0; passed < index; ++passed) {
         const auto hit = text.find(separator, start);

@@ -14,7 +14,7 @@ std::string colonSeparatedValue(const std::string& text, std::string::size_type 
 ///               Below 1 the field starts at position 1
 /// @return the field, empty if there are fewer separators
 /// @throws std::out_of_range "basic_string::substr" for an index below 1 and an empty text
-std::string fieldBehind(char separator, int index, const std::string& text);
+std::string fieldAfter(char separator, int index, const std::string& text);
 
 /// Takes the next word off the front of a text. Only blanks separate.
 /// @param text  becomes the rest, which starts with the next word

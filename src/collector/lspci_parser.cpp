@@ -15,7 +15,7 @@ constexpr int kDeviceField = 5;
 constexpr std::array<int, 4> kIdFields = {kVendorField, kDeviceField, 7, 9};
 
 std::string quotedField(const std::string& line, int field) {
-    return fieldBehind('"', field, line);
+    return fieldAfter('"', field, line);
 }
 
 }  // namespace

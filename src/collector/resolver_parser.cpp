@@ -18,7 +18,7 @@ std::string valueOf(const std::string& line) {
     return value;
 }
 
-strarray_t wordsBehindKey(const std::string& line) {
+strarray_t wordsAfterKey(const std::string& line) {
     strarray_t words;
     std::string word;
     for (int column = 2; takeColumn(line, column, word); ++column) {
@@ -44,7 +44,7 @@ ResolvConf parseResolvConf(std::istream& text) {
         } else if (key == "domain" && !domain) {
             domain = valueOf(line);
         } else if (key == "search" && !search) {
-            search = wordsBehindKey(line);
+            search = wordsAfterKey(line);
         }
     }
     if (domain) {

@@ -28,7 +28,7 @@ INSTANTIATE_TEST_SUITE_P(
     Parser, ReportLinesTable,
     testing::Values(ParserCase{"WithTheirLineFeeds", "a\r\n\nb\n", "[a\r\n][\n][b\n]"},
                     ParserCase{"TheLastOneWithoutALineFeedToo", "a\nb", "[a\n][b]"},
-                    ParserCase{"UpToAZeroByte", "a\0b\nc\n"s, "[a][c\n]"},
+                    ParserCase{"UpToAZeroByte", "a\0b\n\0\nc\n"s, "[a][][c\n]"},
                     ParserCase{"InPiecesOf255Characters", std::string(255, 'x') + "\n" + std::string(600, 'y') + "\n",
                                "[" + std::string(255, 'x') + "][\n][" + std::string(255, 'y') + "][" +
                                    std::string(255, 'y') + "][" + std::string(90, 'y') + "\n]"},

@@ -32,7 +32,7 @@ TEST(ColonSeparatedValue, IsWhatStandsAfterTheFirstColonAndItsBlanks) {
     }
 }
 
-TEST(FieldBehind, IsWhatStandsAfterThatManySeparators) {
+TEST(FieldAfter, IsWhatStandsAfterThatManySeparators) {
     struct Case {
         int index;
         const char* text;
@@ -51,7 +51,7 @@ TEST(FieldBehind, IsWhatStandsAfterThatManySeparators) {
         {0, "", "!basic_string::substr"},
     };
     for (const Case& row : kTable) {
-        EXPECT_EQ(outcomeOf([&row](std::string& shown) { shown += fieldBehind(',', row.index, row.text); }),
+        EXPECT_EQ(outcomeOf([&row](std::string& shown) { shown += fieldAfter(',', row.index, row.text); }),
                   row.expected)
             << row.index << " in " << row.text;
     }

@@ -236,6 +236,8 @@ INSTANTIATE_TEST_SUITE_P(
                    "adaptive_rx=1 adaptive_tx=0 sbu=1 si=2 prl=3 prh=4 ru=5 rf=6 rui=7 rfi=8 tu=9 tf=10 tui=11 tfi=12 "
                    "rul=13 rfl=14 tul=15 tfl=16 ruh=17 rfh=18 tuh=19 tfh=20 (-1: 0)"},
         ParserCase{"WithTwoSwitchesInOneLine", "Adaptive RX: off  TX: on\n", "adaptive_rx=0 adaptive_tx=1 (-1: 20)"},
+        ParserCase{"WithTheSecondColonNotRightAfterTheFirst", "Adaptive RX:: on TX: off\n",
+                   "adaptive_rx=0 adaptive_tx=0 (-1: 20)"},
         ParserCase{"UpToAnAdaptiveLineWithoutASecondColon", "Adaptive RX: on\nrx-usecs: 1\n",
                    "adaptive_rx=1 (-1: 21)!basic_string::substr"},
         ParserCase{"UpToAnAdaptiveLineWithoutAColon", "rx-usecs: 1\nAdaptive RX\n",
@@ -245,7 +247,7 @@ INSTANTIATE_TEST_SUITE_P(
         ParserCase{"WithZeroForWhatIsNoNumber", "rx-usecs: n/a\n", "ru=0 (-1: 21)"},
         ParserCase{"WithoutTheOlderNamesOfFrames", "rx-frames-low: 1\ntx-frames-high: 2\n", "(-1: 22)"},
         ParserCase{"WithoutALastLineThatMeetsTheEnd", "rx-usecs: 1\ntx-usecs: 2", "ru=1 (-1: 21)"},
-        ParserCase{"WithoutALineBehindItsFirst255Characters", "rx-usecs: 1" + std::string(400, 'x') + "\ntx-usecs: 2\n",
+        ParserCase{"WithoutTheRestOfALongLine", "rx-usecs: 1" + std::string(400, 'x') + "\ntx-usecs: 2\n",
                    "ru=1 tu=2 (-1: 20)"},
         ParserCase{"OfNothing", "", "(-1: 22)"}),
     ruleOf);

@@ -70,6 +70,8 @@ INSTANTIATE_TEST_SUITE_P(
                    "default 0\nno number\nno title"},
         ParserCase{"OnAfterADefaultOfMinusOne", "default=-1\ndefault=0\ntitle one\n",
                    "default -1\ndefault 0\ntitle in [title one]\ntitle [title one]\nno RAM disk"},
+        ParserCase{"ToTheEndForAnotherNegativeNumber", "default=-2\ndefault=0\ntitle one\n",
+                   "default -2\ntitle in [title one]\nno title"},
         ParserCase{"ToTheEndForANumberThatNoTitleHas", "default=2\ntitle one\ntitle two\n",
                    "default 2\ntitle in [title one]\ntitle in [title two]\nno title"},
         ParserCase{"InLinesOfAnyLength",

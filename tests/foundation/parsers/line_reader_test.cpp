@@ -37,11 +37,11 @@ std::string walked(const std::string& content, const std::string& key) {
     return lines;
 }
 
-TEST(LineReader, MeetsTheEndBehindTheLastLineFeed) {
+TEST(LineReader, MeetsTheEndAfterTheLastLineFeed) {
     EXPECT_EQ(readAll("a\n\nb\n"), (Lines{"a|", "|", "b|", "."}));
 }
 
-TEST(LineReader, GivesWhatStandsBehindTheLastLineFeed) {
+TEST(LineReader, GivesWhatStandsAfterTheLastLineFeed) {
     EXPECT_EQ(readAll("a\nb"), (Lines{"a|", "b."}));
 }
 
