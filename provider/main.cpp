@@ -3,6 +3,7 @@
 
 #include "machines/private_root.h"
 #include "provider/commands/command_line.h"
+#include "provider/machine/process_start.h"
 #include "provider/provider_error.h"
 
 namespace {
@@ -27,6 +28,7 @@ int run(const Arguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    beginProcess();
     if (kvl::machines::insidePrivateRoot()) {
         kvl::machines::linkOwnProcess();
     }

@@ -105,10 +105,22 @@ void AtomicFile::open(mode_t mode) {
         if (file_.isOpen()) {
             temporary_ = std::move(name);
             good_ = true;
+            takeAfterTarget();
         } else if (errno != EEXIST && errno != EINTR) {
             return;
         }
     }
+}
+
+void AtomicFile::takeAfterTarget() {
+    struct stat status {};
+    if (::lstat(target_.c_str(), &status) != 0) {
+        return;
+    }
+    if (::fchown(file_.number(), status.st_uid, status.st_gid) != 0) {
+        // Only root may give files away; the content is what counts.
+    }
+    good_ = ::fchmod(file_.number(), status.st_mode & (S_IRWXU | S_IRWXG | S_IRWXO)) == 0;
 }
 
 bool AtomicFile::rename(Existing existing) {

@@ -13,7 +13,8 @@ namespace kvl::host {
 /// Writes a file so that its name stands for the old content or for the whole new content at any moment, also
 /// when the process is killed or the disk is full. The content goes to a temporary file in the same directory
 /// (".kvl-<pid>-<number>.tmp"), which commit() makes safe on the disk and renames. Without a commit() that
-/// succeeds, the temporary file is removed and the target is as it was.
+/// succeeds, the temporary file is removed and the target is as it was. A file that takes the place of another has the
+/// permissions of that one, and its owner as far as this process may give files away.
 class AtomicFile {
 public:
     /// What commit() does with a target that is there already.
@@ -22,7 +23,7 @@ public:
     /// Opens the temporary file.
     /// @param path  the target: a new or a regular file. A link to a regular file stays, and the file is replaced;
     ///              anything else, such as a device, is refused.
-    /// @param mode  permission bits, less those of the process's umask
+    /// @param mode  permission bits of a new file, less those of the process's umask
     explicit AtomicFile(const std::string& path, mode_t mode = 0666);
     ~AtomicFile();
 
@@ -45,6 +46,7 @@ public:
 
 private:
     void open(mode_t mode);
+    void takeAfterTarget();
     bool rename(Existing existing);
     void discard();
 

@@ -5,6 +5,7 @@
 #include "provider/commands/commands.h"
 #include "provider/commands/options.h"
 #include "provider/library/adapter_inventory.h"
+#include "provider/machine/interface_index.h"
 #include "provider/machine/provider_environment.h"
 #include "provider/output/text_block.h"
 #include "provider/run/run.h"
@@ -29,6 +30,22 @@ struct InfoOptions {
     RunOptions run;
 };
 
+/// The interface of a port is found by asking every interface; those with a hostile name are not asked.
+std::optional<Failure> interfacesNotAsked() {
+    std::string names;
+    for (const std::string& name : interfacesPassedOver()) {
+        names += (names.empty() ? "'" : ", '") + printable(name) + "'";
+    }
+    if (names.empty()) {
+        return std::nullopt;
+    }
+    return ownFailure("interface-not-asked",
+                      "the interface of the port may be one that was not asked, since a shell would take its name "
+                      "apart: " +
+                          names,
+                      "give it another name with 'ip link set'");
+}
+
 Answer describe(const InfoOptions& options) {
     Run run(options.run, Turn::kTake);
     needResultDirectory();  // for the interface of a port
@@ -37,9 +54,14 @@ Answer describe(const InfoOptions& options) {
     std::optional<Failure> missing;
     TextBlock block("Adapter " + options.device);
     Json information = Json::array();
+    bool lacksInterface = false;
     for (const auto& [name, value] : inventory.describePort(options.device, missing)) {
         block.addRow(name.empty() ? "Address" : name, value);
         information.push_back({{"name", name}, {"value", value}});
+        lacksInterface = lacksInterface || (name == "I/F Name" && value.empty());
+    }
+    if (lacksInterface && !missing) {
+        missing = interfacesNotAsked();
     }
     Answer answer;
     answer.text = block.text();

@@ -63,6 +63,9 @@ std::function<int()> printingRequest(const CLI::App& program, const CLI::ParseEr
     program.exit(parsed, text, text);
     return [printed = text.str()] {
         std::cout << printed << std::flush;
+        if (!std::cout) {
+            throw ProviderError("the help could not be written to standard output");
+        }
         return static_cast<int>(kDone);
     };
 }

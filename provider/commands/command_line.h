@@ -17,14 +17,15 @@ using Arguments = std::vector<std::string>;
 enum ProgramExit : int {
     kDone = 0,
     kWrongUsage = 2,  ///< The command line can't be carried out. Nothing was done.
+    kNotPrinted = 3,  ///< Help or version could not be written.
 };
 
 /// What a command line asks for.
 struct Request {
-    Arguments arguments;       ///< the command line, without the program's name
-    std::function<int()> run;  ///< does it; returns the exit code, or throws
-    int failureCode = kDone;   ///< the command's exit code where that throws
-    std::string fileToWrite;   ///< where it leaves a file; empty if it leaves none
+    Arguments arguments;            ///< the command line, without the program's name
+    std::function<int()> run;       ///< does it; returns the exit code, or throws
+    int failureCode = kNotPrinted;  ///< the command's exit code where that throws
+    std::string fileToWrite;        ///< where it leaves a file; empty if it leaves none
 };
 
 /// Adds a command to the program: its options, its help, and what to put into the request when it is chosen. The

@@ -7,7 +7,7 @@
 namespace kvl::provider {
 namespace {
 
-constexpr int kLongestTurnWait = 24 * 60 * 60;  // seconds
+constexpr int kLongestTime = 24 * 60 * 60;  // seconds
 
 std::size_t placeOf(const std::string& name, const Names& names) {
     return static_cast<std::size_t>(std::find(names.begin(), names.end(), name) - names.begin());
@@ -124,12 +124,15 @@ std::string listed(const Names& names, const std::string& separator) {
     return text;
 }
 
-void addRunOptions(CLI::App& command, RunOptions& options) {
-    command
-        .add_option("--wait", options.waitSeconds,
-                    "Longest wait for another kvl to end (default: " + std::to_string(options.waitSeconds) + ")")
+void addSeconds(CLI::App& command, const std::string& option, unsigned& seconds, const std::string& description) {
+    command.add_option(option, seconds, description)
         ->type_name("SECONDS")
-        ->check(CLI::Range(0, kLongestTurnWait).description(""));
+        ->check(CLI::Range(0, kLongestTime).description(""));
+}
+
+void addRunOptions(CLI::App& command, RunOptions& options) {
+    addSeconds(command, "--wait", options.waitSeconds,
+               "Longest wait for another kvl to end (default: " + std::to_string(options.waitSeconds) + ")");
     CLI::Option* verbose = addFlag(command, "-v,--verbose", options.verbose, "Show the trace on standard error");
     forbidTogether(*addFlag(command, "--quiet", options.quiet, "Show neither progress nor trace"), *verbose);
 }

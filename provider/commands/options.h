@@ -93,6 +93,9 @@ Names namesOf(const Table& table) {
     return names;
 }
 
+/// Adds an option whose value is a time in seconds, of a day at most.
+void addSeconds(CLI::App& command, const std::string& option, unsigned& seconds, const std::string& description);
+
 /// Adds --wait, -v and --quiet.
 /// @param options  holds the defaults and receives what was given
 void addRunOptions(CLI::App& command, RunOptions& options);

@@ -52,10 +52,12 @@ enum ReportExit : int {
 
 /// Collects and writes the report.
 /// @param file  where it goes; empty for standard output
-/// @return the commands that failed
-std::vector<FailedCommand> makeReport(const ReportOptions& options, const std::string& file) {
+/// @return what could not be collected, a sentence each
+std::vector<std::string> makeReport(const ReportOptions& options, const std::string& file) {
     Run run(options.run, Turn::kHeld);
-    CollectionProgress progress(run);
+    const MachineLayer::Rules rules = {std::chrono::seconds(options.commandLimitSeconds),
+                                       options.legacyCommands == LegacyCommands::kAuto};
+    CollectionProgress progress(run, rules);
     ReportOutput output(options, file, run);
     try {
         LanCollection collection(options.lan);
@@ -64,19 +66,19 @@ std::vector<FailedCommand> makeReport(const ReportOptions& options, const std::s
         }
         const bool written = collection.write(output.documentFile());
         run.display().clear();
-        output.finish(written, collection.vendors());
+        output.finish(written, collection.vendors(), progress.names());
     } catch (const std::logic_error&) {
         refuse(options, progress.commands(),
                "no report: the output of " + progress.commands().command() + " does not have the expected form");
     }
-    return progress.commands().failures();
+    return progress.failures();
 }
 
 int collectAndReport(const ReportOptions& options, const std::string& file) {
     needResultDirectory();
-    const std::vector<FailedCommand> failures = makeReport(options, file);
-    for (const FailedCommand& failure : failures) {
-        std::cerr << "kvl: " << describeFailure(failure) << '\n';
+    const std::vector<std::string> failures = makeReport(options, file);
+    for (const std::string& failure : failures) {
+        std::cerr << "kvl: " << failure << '\n';
     }
     return failures.empty() ? kReportWritten : kReportIncomplete;
 }
@@ -88,7 +90,8 @@ SuppliedCommands commandsToSupply(const ReportOptions& options) {
 
 int report(const ReportOptions& options, const Arguments& arguments) {
     enterProviderEnvironment();
-    if (const auto lock = CollectionLock::handedDown(collectionLockFile())) {
+    if (auto lock = CollectionLock::handedDown(collectionLockFile())) {
+        lock->shareWithCommands();
         // This is the run in the private view, and all that comes below is done.
         return collectAndReport(options, placeOfOutput(options.outputFile));
     }
@@ -97,8 +100,9 @@ int report(const ReportOptions& options, const Arguments& arguments) {
     if (supplied.empty()) {
         needResultDirectory();
     }
-    const CollectionLock lock = takeTurn(options.run.waitSeconds);
+    CollectionLock lock = takeTurn(options.run.waitSeconds);
     if (supplied.empty()) {
+        lock.shareWithCommands();
         return collectAndReport(options, options.outputFile);
     }
     lock.handDown();

@@ -147,6 +147,9 @@ void addReportOptions(CLI::App& command, ReportOptions& options) {
     addContentOptions(command, options.lan);
     addOutputOptions(command, options);
     addViewOptions(command, options);
+    addSeconds(command, "--command-limit", options.commandLimitSeconds,
+               "Longest time of one command; one that takes longer is ended and named\n"
+               "(default: 20; 0 for none)");
     addRunOptions(command, options.run);
 }
 

@@ -21,6 +21,7 @@ struct ReportOptions {
     std::string outputFile;  ///< empty: standard output
     Format format = Format::kText;
     LegacyCommands legacyCommands = LegacyCommands::kAuto;
+    unsigned commandLimitSeconds = 20;  ///< longest time of one command; 0: none
     RunOptions run;
 };
 

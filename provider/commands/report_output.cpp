@@ -9,6 +9,7 @@
 #include "provider/machine/provider_environment.h"
 #include "provider/output/report_document.h"
 #include "provider/output/report_text.h"
+#include "provider/output/text_block.h"
 #include "provider/provider_error.h"
 #include "reference_host/atomic_file.h"
 
@@ -25,6 +26,35 @@ std::string contentOf(const std::string& file) {
 bool writeFile(const std::string& path, const std::string& content) {
     host::AtomicFile file(path);
     return file.write(content.data(), content.size()) && file.commit();
+}
+
+/// The name as it stands in a document: without what acts on a terminal, which XML has no signs for.
+std::string escapedName(const std::string& name) {
+    std::string escaped;
+    for (const char character : printable(name)) {
+        switch (character) {
+            case '&':
+                escaped += "&amp;";
+                break;
+            case '<':
+                escaped += "&lt;";
+                break;
+            case '>':
+                escaped += "&gt;";
+                break;
+            case '"':
+                escaped += "&quot;";
+                break;
+            default:
+                escaped += character;
+        }
+    }
+    return escaped;
+}
+
+/// Has the document show the machine's names of the interfaces. @return false if it can't be written
+bool nameForPeople(const std::string& document, const InterfaceNames& names) {
+    return names.empty() || writeFile(document, names.textForPeople(contentOf(document), escapedName));
 }
 
 std::string listed(const std::list<std::string>& vendors) {
@@ -72,9 +102,9 @@ void ReportOutput::removeTemporary() const {
     }
 }
 
-void ReportOutput::finish(bool written, const std::list<std::string>& vendors) {
+void ReportOutput::finish(bool written, const std::list<std::string>& vendors, const InterfaceNames& names) {
     const std::string target = options_.outputFile.empty() ? "standard output" : options_.outputFile;
-    if (!written) {
+    if (!written || !nameForPeople(documentFile_, names)) {
         throw ProviderError("the report could not be written to " + (isTemporary() ? documentFile_ : target) +
                             ": see whether the directory can be written and the disk has room");
     }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "provider/commands/report_options.h"
+#include "provider/machine/interface_names.h"
 #include "provider/run/run.h"
 
 namespace kvl::provider {
@@ -32,8 +33,9 @@ public:
 
     /// Does the rest.
     /// @param written  whether the library could write its file
+    /// @param names    by which the library knows the interfaces
     /// @throws ProviderError if something couldn't be written
-    void finish(bool written, const std::list<std::string>& vendors);
+    void finish(bool written, const std::list<std::string>& vendors, const InterfaceNames& names);
 
 private:
     bool isTemporary() const { return documentFile_ != file_; }

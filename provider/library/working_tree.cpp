@@ -82,6 +82,7 @@ void WorkingTree::make() const {
     if (!isPlainPath(path_)) {
         refuse(path_, "holds characters that a shell would not take as they are: choose another install directory");
     }
+    needSafeParents(path_, "adapters' directory");
     makeParents(path_);
     CEmulexCommon::SetLastError(0);
     if (!CEmulexCommon::CreateLocalDirectory()) {

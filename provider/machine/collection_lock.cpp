@@ -12,40 +12,22 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "provider/machine/own_directory.h"
 #include "provider/provider_error.h"
 
 namespace kvl::provider {
 namespace {
 
-constexpr const char* kLockDirectory = "/run/lock";
-constexpr const char* kLockName = "/kvl.lock";
-constexpr mode_t kLockMode = 0644;  // whoever can read it can lock it
+constexpr mode_t kLockMode = 0600;
 constexpr const char* kHandedDown = "KVL_COLLECTION_LOCK";
 
 [[noreturn]] void refuse(const std::string& file, const std::string& why) {
     throw ProviderError("the lock file " + file + " " + why);
 }
 
-/// Opens the file for as much as this user may; others may have put anything at its name.
-host::FileDescriptor openExisting(const std::string& file) {
-    constexpr int kCarefully = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    host::FileDescriptor opened(open(file.c_str(), O_RDWR | kCarefully));
-    if (!opened.isOpen() && (errno == EACCES || errno == EROFS)) {
-        opened = host::FileDescriptor(open(file.c_str(), O_RDONLY | kCarefully));
-    }
-    return opened;
-}
-
 host::FileDescriptor openLockFile(const std::string& file) {
-    host::FileDescriptor opened = openExisting(file);
-    if (!opened.isOpen() && errno == ENOENT) {
-        opened = host::FileDescriptor(open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kLockMode));
-        if (opened.isOpen()) {
-            fchmod(opened.number(), kLockMode);
-        } else if (errno == EEXIST) {
-            opened = openExisting(file);
-        }
-    }
+    constexpr int kCarefully = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    host::FileDescriptor opened(open(file.c_str(), O_RDWR | O_CREAT | kCarefully, kLockMode));
     struct stat status {};
     if (!opened.isOpen() || fstat(opened.number(), &status) != 0) {
         refuse(file, std::string("can't be opened: ") + std::strerror(errno));
@@ -56,11 +38,10 @@ host::FileDescriptor openLockFile(const std::string& file) {
     return opened;
 }
 
-/// Only its owner and root note their number: the file's content is no one else's business.
-bool mayNote(int file) {
+/// The content of a file that has another name too is somebody's.
+bool hasOneName(int file) {
     struct stat status {};
-    const bool isOwn = fstat(file, &status) == 0 && (geteuid() == 0 || status.st_uid == geteuid());
-    return isOwn && status.st_nlink == 1;
+    return fstat(file, &status) == 0 && status.st_nlink == 1;
 }
 
 void note(int file, const std::string& text) {
@@ -98,6 +79,11 @@ std::string describeHolder(pid_t holder) {
                       : "another kvl, or a command that one has left behind,";
 }
 
+bool isDirectory(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 bool isSameFile(int opened, const std::string& file) {
     struct stat one {};
     struct stat other {};
@@ -108,12 +94,16 @@ bool isSameFile(int opened, const std::string& file) {
 }  // namespace
 
 std::string collectionLockFile() {
-    struct stat status {};
-    const bool usable = stat(kLockDirectory, &status) == 0 && S_ISDIR(status.st_mode);
-    return std::string(usable ? kLockDirectory : "/tmp") + kLockName;
+    const std::string user = std::to_string(geteuid());
+    if (geteuid() == 0) {
+        return std::string(isDirectory("/run") || !isDirectory("/var/run") ? "/run" : "/var/run") + "/kvl/lock";
+    }
+    const std::string ofSession = "/run/user/" + user;
+    return (isDirectory(ofSession) ? ofSession + "/kvl" : "/tmp/kvl-" + user) + "/lock";
 }
 
 CollectionLock CollectionLock::take(const std::string& file, unsigned long longestPauses, const Waiting& waiting) {
+    needOwnDirectory(file.substr(0, file.rfind('/')), "lock directory");
     host::FileDescriptor opened = openLockFile(file);
     for (unsigned long pauses = 0; flock(opened.number(), LOCK_EX | LOCK_NB) != 0; ++pauses) {
         if (errno != EWOULDBLOCK && errno != EINTR) {
@@ -132,11 +122,11 @@ CollectionLock CollectionLock::take(const std::string& file, unsigned long longe
     if (!isSameFile(opened.number(), file)) {  // removed while it was waited for
         return take(file, longestPauses, waiting);
     }
-    const bool ownsFile = mayNote(opened.number());
-    if (ownsFile) {
+    const bool notes = hasOneName(opened.number());
+    if (notes) {
         note(opened.number(), std::to_string(getpid()) + "\n");
     }
-    return CollectionLock(std::move(opened), ownsFile);
+    return CollectionLock(std::move(opened), notes);
 }
 
 std::optional<CollectionLock> CollectionLock::handedDown(const std::string& file) {
@@ -161,7 +151,7 @@ void CollectionLock::shareWithCommands() {
 }
 
 CollectionLock::~CollectionLock() {
-    if (file_.isOpen() && ownsFile_) {
+    if (file_.isOpen() && notes_) {
         note(file_.number(), "");
     }
     if (file_.isOpen() && isShared_) {

@@ -11,7 +11,9 @@
 
 namespace kvl::provider {
 
-/// The file that a collection locks on this machine: one at a time, since two would write to the same result files.
+/// The file that a collection locks: one at a time for each user, since two would write to the same result files. It
+/// lies in a directory that nobody else can enter, so that no other user can hold it: root's below /run, another user's
+/// below /run/user or in /tmp.
 std::string collectionLockFile();
 
 /// The right to collect, for as long as the object lives.
@@ -24,7 +26,7 @@ public:
         std::function<void()> pause;
     };
 
-    /// Takes the lock of a file that any user of the machine may have made.
+    /// Takes the lock of a file, which is made with its directory if it isn't there.
     /// @param longestPauses  how many pauses to make before giving up
     /// @throws ProviderError if it is given up, or the file can't be used
     static CollectionLock take(const std::string& file, unsigned long longestPauses, const Waiting& waiting);
@@ -47,10 +49,10 @@ public:
     ~CollectionLock();
 
 private:
-    explicit CollectionLock(host::FileDescriptor file, bool ownsFile) : file_(std::move(file)), ownsFile_(ownsFile) {}
+    explicit CollectionLock(host::FileDescriptor file, bool notes) : file_(std::move(file)), notes_(notes) {}
 
     host::FileDescriptor file_;
-    bool ownsFile_;
+    bool notes_;
     bool isShared_ = false;
 };
 

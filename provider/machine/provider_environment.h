@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "provider/machine/own_directory.h"
+
 namespace kvl::provider {
 
 /// Where the library's commands leave their output.
@@ -12,12 +14,7 @@ constexpr const char* kResultDirectory = "/opt/tarvenn/kvl/provider/tmp";
 /// the system's own directories, and files that nobody else can read.
 void enterProviderEnvironment();
 
-/// Makes the directories above a path that are missing, as far as it can. Others may read them, whatever this process
-/// keeps to itself.
-void makeParents(const std::string& path);
-
-/// Sees to it that the result directory is there and safe: made if it can be, a directory and no link, the user's own,
-/// and closed to everybody else, since whoever can write there can say what the report holds.
+/// Sees to it that the result directory is there and safe, since whoever can write there can say what the report holds.
 /// @throws ProviderError otherwise, with what to do
 void needResultDirectory(const std::string& directory = kResultDirectory);
 

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "provider/machine/command_runner.h"
 #include "provider/machine/sleep_observer.h"
 
 namespace kvl::provider {
@@ -22,8 +23,13 @@ void setSleepObserver(std::function<void(unsigned seconds)> next) {
 }  // namespace kvl::provider
 
 /// Stands in front of libc's own. The program exports it, so the library's waits for the output of a command, up to ten
-/// seconds that nothing else tells of, come through here and can be shown.
+/// seconds that nothing else tells of, come through here and can be shown. Where everything that the command has
+/// started has ended, no output can appear any more, and there is nothing to wait for.
 extern "C" unsigned sleep(unsigned seconds) {
+    kvl::provider::CommandRunner* const runner = kvl::provider::commandRunner();
+    if (runner != nullptr && !runner->mayStillWrite()) {
+        return 0;
+    }
     if (const auto& observer = kvl::provider::observer()) {
         observer(seconds);
     }

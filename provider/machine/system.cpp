@@ -9,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include "provider/machine/command_runner.h"
 #include "provider/machine/interrupt_observer.h"
 
 namespace kvl::provider {
@@ -88,6 +89,9 @@ void setInterruptObserver(std::function<void(int signal)> next) {
 extern "C" int system(const char* command) {
     if (command == nullptr) {
         return 1;
+    }
+    if (kvl::provider::CommandRunner* runner = kvl::provider::commandRunner()) {
+        return runner->run(command);
     }
     const int status = kvl::provider::runShell(command);
     const int signal = kvl::provider::noted.exchange(0);

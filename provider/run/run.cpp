@@ -122,7 +122,7 @@ void Run::traced(TRACE_DBG_LEVEL level, const std::string& text) {
     if (isTraced_) {
         output_.show();
     }
-    display_->showTrace(level, text);
+    display_->showTrace(level, shownTrace_ ? shownTrace_(text) : text);
     if (listener_ != nullptr && listener_->traced) {
         listener_->traced(level, text);
     }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "host/CTraceUtility.h"
 #include "provider/machine/collection_lock.h"
@@ -63,6 +64,10 @@ public:
     /// Forgets what the commands have printed so far.
     void forgetPrinted() { output_.forget(); }
 
+    /// Has lines of the trace be shown in another form than the library has written them.
+    /// @param shown  empty: as they are
+    void setShownTrace(std::function<std::string(const std::string& text)> shown) { shownTrace_ = std::move(shown); }
+
     /// Ends the program by a signal, as if there were no run.
     void endBySignal(int signal);
 
@@ -85,6 +90,7 @@ private:
     std::unique_ptr<Display> display_;  // knows the operator's own standard error, and so stands before the next
     QuietOutput output_;
     const RunListener* listener_ = nullptr;
+    std::function<std::string(const std::string& text)> shownTrace_;
 };
 
 /// Has a listener learn what happens in a run, for as long as the object lives, in place of the one before.

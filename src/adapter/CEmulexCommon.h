@@ -207,9 +207,8 @@ public:
     /// @param command      a text for `sh -c`
     /// @param resultFile   an absolute path; created or emptied; receives its standard output
     /// @param workDir      where it runs; empty for here
-    /// @param returnCode   not null; receives its exit status: 255 if it could not be started or a signal ended it, 1
-    /// also
-    ///                     if the result file can't be opened or `workDir` can't be entered
+    /// @param returnCode   not null; receives its exit status: 255 if it could not be started or a signal ended it,
+    ///                     1 also if the result file can't be opened or `workDir` can't be entered
     /// @param reportDir    where it leaves a report, whose files *.txt are deleted first; empty: nothing is deleted
     /// @param messageFile  for the rules 3 and 4: a text file of lines "SuccessMessage=" and "EndMessage=", up to five
     ///                     each. The output must come to hold an end text, where there is one, in up to 150 seconds,
@@ -286,9 +285,8 @@ public:
     /// Hands the marked kinds back and takes all marks away, but for one that can't be read. One that can't be deleted
     /// costs up to 55 seconds of `Sleep`.
     /// @param kinds  receives "NIC", "FCoE" and "iSCSI", in this order, as far as they are marked, and nothing else
-    /// @return false if a mark can't be deleted: it stays, as those behind it do, and `kinds` has what was found. Code
-    /// 17
-    ///         tells of each kind that isn't marked or can't be read, also after a success
+    /// @return false if a mark can't be deleted: it stays, as those behind it do, and `kinds` has what was found.
+    ///         Code 17 tells of each kind that isn't marked or can't be read, also after a success
     static bool SequentialUpadateFileRead(std::list<std::string>* kinds, std::string moduleName);
 
     // ---- Boot files ----

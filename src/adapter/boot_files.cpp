@@ -9,6 +9,7 @@
 #include "adapter/update_failure.h"
 #include "foundation/CCommon_Information.h"
 #include "foundation/boundary_trace.h"
+#include "foundation/line_search.h"
 #include "foundation/shell_child.h"
 #include "foundation/text.h"
 
@@ -31,22 +32,13 @@ constexpr std::array<ImageCommand, 2> kImageCommands = {{
     {"dracut /boot/initramfs-`uname -r`.img", "dracut command error.(%d,%d)"},
 }};
 
-bool holdsLine(const char* path, const char* text) {
-    std::ifstream file(path);
-    std::string line;
-    while (std::getline(file, line)) {
-        if (kvl::holds(line, text)) {
-            return true;
-        }
-    }
-    return false;
-}
-
 /// @return false if the lines are missing and the file can't be opened
 bool addOverride(const DriverOverride& row, const AdapterTrace& trace) {
-    if (holdsLine(row.path, row.search)) {
+    std::ifstream configuration(row.path);
+    if (kvl::anyLineHolds(configuration, row.search)) {
         return true;
     }
+    configuration.close();
     std::ofstream file(row.path, std::ios::app);
     if (!file.is_open()) {
         return kvl::failToOpen(row.path, trace);

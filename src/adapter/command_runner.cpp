@@ -1,4 +1,3 @@
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -6,6 +5,8 @@
 
 #include "adapter/CEmulexCommon.h"
 #include "adapter/adapter_trace.h"
+#include "foundation/exit_status.h"
+#include "foundation/file_state.h"
 #include "foundation/operation_trace.h"
 #include "host/CStringUtil.h"
 
@@ -15,15 +16,10 @@ constexpr const char* kRedirection = " > ";
 constexpr int kLooks = 10;
 constexpr int kFailed = -1;
 
-bool exitedWithFailure(int status) {
-    return status < 0 || ((status >> 8) & 0xff) != 0;
-}
-
 /// Waits for a result file to have content, ten seconds at most.
 bool waitForOutput(const std::string& resultFile) {
     for (int look = 0; look < kLooks; ++look) {
-        struct stat status {};
-        if (stat(resultFile.c_str(), &status) == 0 && status.st_size != 0) {
+        if (kvl::hasContent(resultFile)) {
             return true;
         }
         sleep(1);
@@ -53,7 +49,7 @@ int CEmulexCommon::ExecCommand_(std::string command, std::string moduleName) {
 
     const int status = std::system(line.c_str());
     int result = kFailed;
-    if (exitedWithFailure(status)) {
+    if (kvl::exitedWithFailure(status)) {
         operation.error("[%s] command failed! (%d)", line.c_str(), errno);
     } else {
         result = judgeOutput(line, status);

@@ -12,8 +12,8 @@
 #include "adapter/working_tree.h"
 #include "foundation/CCommon_Information.h"
 #include "foundation/CUnzip_Utility.h"
+#include "foundation/line_search.h"
 #include "foundation/shell_child.h"
-#include "foundation/text.h"
 #include "host/CFileUtility.h"
 #include "host/HostFunctions.h"
 
@@ -123,16 +123,6 @@ bool updateBootCode(const FirmwareUpdate& update, const AdapterTrace& trace) {
     return downloadAndCheck(update, command) || fail(kvl::kFileNotOpened, trace, "Failed to bios update(%s).", command);
 }
 
-bool holdsCompletion(std::ifstream& output) {
-    std::string line;
-    while (std::getline(output, line)) {
-        if (kvl::holds(line, "Download Complete")) {
-            return true;
-        }
-    }
-    return false;
-}
-
 /// Sends the firmware of a module without a message file, and judges by the tool's own text.
 bool downloadUntilComplete(const FirmwareUpdate& update, const std::string& command, const AdapterTrace& trace) {
     for (int run = 1;; ++run) {
@@ -143,7 +133,7 @@ bool downloadUntilComplete(const FirmwareUpdate& update, const std::string& comm
         if (!output.is_open()) {
             return kvl::failToOpen(update.resultFile(), trace);
         }
-        if (holdsCompletion(output)) {
+        if (kvl::anyLineHolds(output, "Download Complete")) {
             return true;
         }
         if (run == kDownloadRuns) {

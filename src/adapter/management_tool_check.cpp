@@ -5,11 +5,10 @@
 
 #include "adapter/CEmulexCommon.h"
 #include "adapter/adapter_trace.h"
-#include "adapter/silent_settings.h"
+#include "adapter/silent_settings_parser.h"
 #include "adapter/update_failure.h"
 #include "adapter/working_tree.h"
 #include "foundation/operation_trace.h"
-#include "foundation/text.h"
 
 using kvl::AdapterTrace;
 using kvl::Setting;
@@ -19,63 +18,30 @@ namespace {
 
 constexpr const char* kSignature = "static bool CEmulexCommon::OCMInstallCheck(std::string, std::string, std::string)";
 
-/// How one setting is traced where it is found.
-struct FindingTrace {
-    const char* silent;
-    const char* notSilent;
-    std::string subject;
-};
-
 // kept: one setting is traced by its key, and with two blanks where it is wrong.
-FindingTrace findingTrace(const Setting& setting, const std::string& line) {
+void traceComparison(const Setting& setting, const std::string& line, bool isSilent, const AdapterTrace& trace) {
     if (&setting == kvl::kDiscoverySettings.data()) {
-        return {"silent [%s]", "not silent  [%s]", setting.key};
+        trace.flow(isSilent ? "silent [%s]" : "not silent  [%s]", setting.key);
+    } else {
+        trace.flow(isSilent ? "silent [%s]" : "not silent [%s]", line);
     }
-    return {"silent [%s]", "not silent [%s]", line};
 }
 
-std::string withoutBlanks(std::string line, const std::string& traceFormat, const AdapterTrace& trace) {
-    for (auto blank = line.find(' '); blank != std::string::npos; blank = line.find(' ', blank)) {
-        line.erase(blank, 1);
-        trace.flow(traceFormat.c_str(), line);
-    }
-    return line;
-}
-
-/// Compares a line with each setting whose key it holds.
-/// @param outstanding  counted down for each that is right
-/// @return false at the first that isn't
-bool checkLine(const std::string& line, const SettingsFile& file, std::size_t& outstanding, const AdapterTrace& trace) {
-    for (const Setting& setting : file) {
-        if (!kvl::holds(line, setting.key)) {
-            continue;
-        }
-        trace.flow("find[%s] in [%s]", setting.key, line);
-        const FindingTrace finding = findingTrace(setting, line);
-        if (line != setting.line) {
-            trace.flow(finding.notSilent, finding.subject);
-            return false;
-        }
-        --outstanding;
-        trace.flow(finding.silent, finding.subject);
-    }
-    return true;
-}
-
-/// Reads a file up to the last line that was outstanding, or to the first wrong one.
-/// @return true if as many lines were right as there are settings, one that occurs twice counted twice
-bool isSilent(std::ifstream& lines, const SettingsFile& file, const AdapterTrace& trace) {
+/// The trace lines of a walk through a settings file.
+/// @param trace  must outlive them
+kvl::SilentSettingsEvents traced(const SettingsFile& file, const AdapterTrace& trace) {
     const std::string read = std::string(file.name) + ":[%s]";
     const std::string blankDeleted = std::string(file.name) + " space delete:[%s]";
-    std::size_t outstanding = file.count;
-    std::string line;
-    while (outstanding > 0 && std::getline(lines, line)) {
-        trace.flow(read.c_str(), line);
-        if (!checkLine(withoutBlanks(line, blankDeleted, trace), file, outstanding, trace)) {
-            return false;
-        }
-    }
-    return outstanding == 0;
+    kvl::SilentSettingsEvents events;
+    events.line = [&trace, read](const std::string& line) { trace.flow(read.c_str(), line); };
+    events.blankDeleted = [&trace, blankDeleted](const std::string& line) { trace.flow(blankDeleted.c_str(), line); };
+    events.found = [&trace](const Setting& setting, const std::string& line) {
+        trace.flow("find[%s] in [%s]", setting.key, line);
+    };
+    events.compared = [&trace](const Setting& setting, const std::string& line, bool isSilent) {
+        traceComparison(setting, line, isSilent, trace);
+    };
+    return events;
 }
 
 bool checkConfiguration(const SettingsFile& file, const AdapterTrace& trace) {
@@ -83,7 +49,7 @@ bool checkConfiguration(const SettingsFile& file, const AdapterTrace& trace) {
     if (!lines.is_open()) {
         return kvl::failToOpen(file.path, trace);
     }
-    if (!isSilent(lines, file, trace)) {
+    if (!kvl::isSilentInstall(lines, file, traced(file, trace))) {
         trace.flow("%s", file.failure);
         return false;
     }

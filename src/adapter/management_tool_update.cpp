@@ -1,5 +1,3 @@
-#include <sys/stat.h>
-
 #include <cstdlib>
 #include <string>
 
@@ -13,6 +11,7 @@
 #include "foundation/CCommon_Information.h"
 #include "foundation/CUnzip_Utility.h"
 #include "foundation/boundary_trace.h"
+#include "foundation/file_state.h"
 #include "host/CFileUtility.h"
 
 using kvl::AdapterTrace;
@@ -35,11 +34,6 @@ constexpr Script kUninstall = {"uninstall.sh", "", "temp/temp_ocm_uninstall.txt"
 constexpr Script kInstall = {"install.sh", " -q", "temp/temp_ocm_install.txt",
                              "Failed to find update module.There is not ufi file.",
                              "Failed to find update module.There is some ufi file."};
-
-bool isThere(const std::string& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0;
-}
 
 /// Sets a code and tells the operator.
 void report(kvl::AdapterError code, const std::string& moduleName) {
@@ -134,7 +128,7 @@ bool CEmulexCommon::OCMUpdate(std::string /*unused*/, std::string moduleDir, std
     const kvl::BoundaryTrace boundaries(moduleName, "CEmulexCommon::OCMUpdate()");
     const AdapterTrace trace(moduleName);
     // kept: the output of an install that failed counts as well.
-    if (isThere(kvl::workPath(kInstall.resultFile))) {
+    if (kvl::isThere(kvl::workPath(kInstall.resultFile))) {
         trace.flow("OCM update is previously-reported.OCM Update is skipped");
         return true;
     }

@@ -1,5 +1,3 @@
-#include <sys/stat.h>
-
 #include <array>
 
 #include "adapter/CEmulexCommon.h"
@@ -8,6 +6,7 @@
 #include "adapter/error_codes.h"
 #include "adapter/working_tree.h"
 #include "foundation/CCommon_Information.h"
+#include "foundation/file_state.h"
 #include "foundation/text.h"
 #include "host/CFileUtility.h"
 #include "host/HostFunctions.h"
@@ -36,11 +35,6 @@ constexpr std::array<VersionKey, 4> kVersionKeys = {{
 
 std::string cacheFile(const std::string& deviceId, const std::string& moduleName) {
     return kvl::cacheDirectory(moduleName) + "/CacheDump_" + CONVERT_DEVID(deviceId) + ".txt";
-}
-
-bool isThere(const std::string& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0;
 }
 
 std::string identifierOf(const AdapterRecord& info) {
@@ -182,7 +176,7 @@ bool CEmulexCommon::GetOperatingVersion(std::string DeviceID, EMULEX_MODULE_KIND
         return end(0);
     }
     const std::string cache = cacheFile(DeviceID, moduleName);
-    if ((forceRefresh || !isThere(cache)) && !refreshCache(DeviceID, cache, moduleName)) {
+    if ((forceRefresh || !kvl::isThere(cache)) && !refreshCache(DeviceID, cache, moduleName)) {
         return end(1);
     }
     std::string found;

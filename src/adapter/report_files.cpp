@@ -1,97 +1,26 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
 
 #include "adapter/CEmulexCommon.h"
-#include "adapter/error_codes.h"
 #include "adapter/report_file.h"
+#include "adapter/report_parser.h"
 #include "adapter/working_tree.h"
 #include "foundation/boundary_trace.h"
-#include "foundation/text.h"
+#include "foundation/words.h"
 #include "host/CMutexUtil.h"
 #include "host/CStringUtil.h"
 
 using kvl::AdapterTrace;
 using kvl::ReportFile;
 
-namespace kvl {
-
-ReportFile::ReportFile(const std::string& path)
-    : path_(path), file_(std::fopen(path.c_str(), "r"), std::fclose), openError_(errno) {}
-
-bool ReportFile::readLine(std::string& line) {
-    if (std::fgets(buffer_.data(), static_cast<int>(buffer_.size()), file_.get()) == nullptr) {
-        return false;
-    }
-    line = buffer_.data();
-    return true;
-}
-
-void ReportFile::reportFailure(const AdapterTrace& trace) const {
-    CEmulexCommon::SetLastError(kFileNotOpened);
-    trace.error("File Open Error. file(%s) errcode(%d)", path_, openError_);
-}
-
-}  // namespace kvl
-
 namespace {
 
 constexpr const char* kListing = "fsresult";
-constexpr const char* kListSeparator = "|";
-
-using KeyValue = std::pair<std::string, std::string>;
-using Position = std::string::size_type;
-
-bool readWithoutLineEnd(ReportFile& report, std::string& line) {
-    if (!report.readLine(line)) {
-        return false;
-    }
-    std::replace_if(
-        line.begin(), line.end(), [](char character) { return character == '\r' || character == '\n'; }, ' ');
-    return true;
-}
-
-/// @return the first text of the list that stands in the line, null if there is none
-const std::string* firstHeld(const std::list<std::string>& texts, const std::string& line) {
-    const auto found =
-        std::find_if(texts.begin(), texts.end(), [&line](const std::string& text) { return kvl::holds(line, text); });
-    return found != texts.end() ? &*found : nullptr;
-}
-
-/// Takes key and value from a line that holds the key. Without a separator or a value nothing is taken.
-void takeValue(const std::string& line, const std::string& key, const std::string& separator, KeyValue& result) {
-    // kept: the search starts at the key and not behind it, so a separator inside the key is the one.
-    const Position found = line.find(separator, line.find(key));
-    if (found == std::string::npos) {
-        return;
-    }
-    const Position begin = line.find_first_not_of(' ', found + separator.size());
-    if (begin == std::string::npos) {
-        return;
-    }
-    const Position end = line.find_last_not_of(' ') + 1;
-    result = {key, line.substr(begin, end - begin)};
-}
-
-/// Reads the lines behind a tag until there is a value. At least one line is read, also where there is one already.
-void takeFromSection(ReportFile& report, const std::list<std::string>& keys, const std::string& separator,
-                     KeyValue& result) {
-    std::string line;
-    do {
-        if (!readWithoutLineEnd(report, line)) {
-            return;
-        }
-        if (const std::string* key = firstHeld(keys, line)) {
-            takeValue(line, *key, separator, result);
-        }
-    } while (result.first.empty());
-}
 
 std::string calendarText(std::time_t time) {
     std::array<char, 64> buffer{};
@@ -108,9 +37,7 @@ std::string newestOf(const std::string& listing, const AdapterTrace& trace) {
     }
     std::string newest;
     std::time_t newestTime = 0;
-    std::string path;
-    // kept: a path that the listing ends with, without a line feed, doesn't count.
-    while (paths >> path && !paths.eof()) {
+    for (const std::string& path : kvl::readWords(paths)) {
         trace.flow("CEmulexCommon::LatestFile() file=%s", path);
         trace.flow("CEmulexCommon::LatestFile() filename=%s", path);
         struct stat status {};
@@ -142,19 +69,7 @@ bool CEmulexCommon::GetKeyValueFromFile_(std::string file, std::string keys, std
         trace.flow("CEmulexCommon::GetKeyValueFromFile_() [END]");
         return false;
     }
-    const std::list<std::string> keyList = CStringUtil::Split(keys, kListSeparator);
-    std::string line;
-    while (result.first.empty() && readWithoutLineEnd(report, line)) {
-        const std::string* key = firstHeld(keyList, line);
-        if (key == nullptr) {
-            continue;
-        }
-        if (count > 0) {
-            --count;
-        } else {
-            takeValue(line, *key, separator, result);
-        }
-    }
+    result = kvl::findKeyValue(report.lines(), keys, separator, count);
     return true;  // kept: an end line is written on failure only
 }
 
@@ -171,22 +86,7 @@ bool CEmulexCommon::GetTagKeyValueFromFile_(std::string file, std::string tags, 
         trace.flow("CEmulexCommon::GetTagKeyValueFromFile_() [END]");
         return false;
     }
-    const std::list<std::string> tagList = CStringUtil::Split(tags, kListSeparator);
-    const std::list<std::string> keyList = CStringUtil::Split(keys, kListSeparator);
-    std::string line;
-    // kept: a value doesn't end the reading, and a later section can replace it.
-    while (readWithoutLineEnd(report, line)) {
-        for (const std::string& tag : tagList) {
-            if (!kvl::holds(line, tag)) {
-                continue;
-            }
-            if (count > 0) {
-                --count;
-                break;
-            }
-            takeFromSection(report, keyList, separator, result);
-        }
-    }
+    result = kvl::findTagKeyValue(report.lines(), tags, keys, separator, count);
     trace.flow("CEmulexCommon::GetTagKeyValueFromFile_() [END]");
     return true;
 }
@@ -201,15 +101,9 @@ bool CEmulexCommon::CheckDumpFileKeyWord_(std::string file, std::string id, std:
         dump.reportFailure(trace);
         return false;
     }
-    std::string line;
-    while (dump.readLine(line)) {
-        if (kvl::holds(line, text)) {
-            trace.flow("[%s] is finded", text);
-            return true;
-        }
-    }
-    trace.flow("[%s] is not finded", text);
-    return false;
+    const bool isHeld = kvl::holdsText(dump.lines(), text);
+    trace.flow(isHeld ? "[%s] is finded" : "[%s] is not finded", text);
+    return isHeld;
 }
 
 std::string CEmulexCommon::LatestFile(std::string directory, std::string pattern, std::string moduleName) {

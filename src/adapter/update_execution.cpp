@@ -1,17 +1,17 @@
-#include <algorithm>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "adapter/CEmulexCommon.h"
 #include "adapter/adapter_trace.h"
 #include "adapter/error_codes.h"
+#include "adapter/message_file_parser.h"
 #include "adapter/result_mode.h"
 #include "adapter/update_failure.h"
 #include "foundation/CCommon_Information.h"
 #include "foundation/boundary_trace.h"
 #include "foundation/shell_child.h"
-#include "foundation/text.h"
 #include "host/CFileUtility.h"
 #include "host/HostFunctions.h"
 
@@ -22,16 +22,6 @@ namespace {
 constexpr unsigned long kPauseSeconds = 30;
 constexpr unsigned long kLongestWaitSeconds = 150;
 constexpr unsigned long kMillisecondsPerSecond = 1000;
-
-/// One kind of text that a message file holds.
-struct MessageKind {
-    const char* key;
-    const char* stored;  ///< Trace format of a stored text: its number and the text.
-};
-
-constexpr MessageKind kSuccessMessage = {"SuccessMessage=", "successMessage[%d]=[%s]"};
-constexpr MessageKind kEndMessage = {"EndMessage=", "endMessage[%d]=[%s]"};
-constexpr std::size_t kTextsPerKind = 5;
 
 /// How the search for texts of one kind is traced.
 struct SearchTrace {
@@ -44,44 +34,21 @@ constexpr SearchTrace kEndSearch = {"Result file check endmsg [%s]", "Find endms
 
 using Texts = std::vector<std::string>;
 
-/// What a message file tells about an updater's output.
-struct Messages {
-    Texts success;
-    Texts end;
-};
-
-std::string withoutBlanksAround(const std::string& text) {
-    constexpr const char* kBlanks = " \r\n";
-    const auto begin = text.find_first_not_of(kBlanks);
-    if (begin == std::string::npos) {
-        return "";
-    }
-    return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
-}
-
-void takeText(const std::string& line, const MessageKind& kind, Texts& texts, const AdapterTrace& trace) {
-    if (!kvl::holds(line, kind.key) || texts.size() == kTextsPerKind) {
-        return;
-    }
-    // kept: the value is cut from this column also where the key stands further right.
-    texts.push_back(withoutBlanksAround(line.substr(std::string(kind.key).size())));
-    trace.flow(kind.stored, static_cast<int>(texts.size() - 1), texts.back());
-}
-
 /// @return false if the file can't be opened
-bool readMessages(const std::string& path, Messages& messages, const AdapterTrace& trace) {
+bool readMessages(const std::string& path, kvl::Messages& messages, const AdapterTrace& trace) {
     std::ifstream file(path);
     if (!file.is_open()) {
         return kvl::fail(kvl::kFileNotOpened, trace, "File open error %s", path);
     }
-    std::string line;
-    while (std::getline(file, line)) {
-        trace.flow("log_mes_ifs. buf=[%s]", line);
-        if (!line.empty()) {
-            takeText(line, kSuccessMessage, messages.success, trace);
-            takeText(line, kEndMessage, messages.end, trace);
-        }
-    }
+    kvl::MessageFileEvents events;
+    events.line = [&trace](const std::string& line) { trace.flow("log_mes_ifs. buf=[%s]", line); };
+    events.success = [&trace](std::size_t number, const std::string& text) {
+        trace.flow("successMessage[%d]=[%s]", static_cast<int>(number), text);
+    };
+    events.end = [&trace](std::size_t number, const std::string& text) {
+        trace.flow("endMessage[%d]=[%s]", static_cast<int>(number), text);
+    };
+    messages = kvl::parseMessageFile(file, events);
     return true;
 }
 
@@ -94,17 +61,14 @@ Search search(const std::string& path, const Texts& texts, const SearchTrace& fo
         kvl::fail(kvl::kFileNotOpened, trace, "File Open Error");
         return Search::kNoFile;
     }
-    std::string line;
-    while (std::getline(file, line)) {
-        trace.flow(formats.line, line);
-        if (std::any_of(texts.begin(), texts.end(),
-                        [&line](const std::string& text) { return kvl::holds(line, text); })) {
-            // kept: not the text that was found is printed but the place behind the last text, which is empty.
-            trace.flow(formats.hit, "", line);
-            return Search::kFound;
-        }
+    const std::optional<std::string> hit =
+        kvl::findMessage(file, texts, [&](const std::string& line) { trace.flow(formats.line, line); });
+    if (!hit) {
+        return Search::kNotFound;
     }
-    return Search::kNotFound;
+    // kept: not the text that was found is printed but the place after the last text, which is empty.
+    trace.flow(formats.hit, "", *hit);
+    return Search::kFound;
 }
 
 /// Waits for the updater to finish writing.
@@ -219,7 +183,7 @@ bool CEmulexCommon::EmulexUpdate(std::string command, std::string resultFile, st
 bool CEmulexCommon::CheckUpdateResult_(std::string resultFile, std::string messageFile, std::string moduleName) {
     const kvl::BoundaryTrace boundaries(moduleName, "CEmulexCommon::CheckUpdateResult_()");
     const AdapterTrace trace(moduleName);
-    Messages messages;
+    kvl::Messages messages;
     if (!readMessages(messageFile, messages, trace)) {
         return false;
     }

@@ -1,79 +1,15 @@
-#include <array>
 #include <fstream>
 
 #include "collector/CNetworkParameter.h"
+#include "collector/bonding_parser.h"
 #include "collector/parsing.h"
-#include "foundation/line_reader.h"
 #include "foundation/operation_trace.h"
 #include "foundation/text.h"
-#include "host/CStringUtil.h"
-
-using kvl::beginsWith;
+#include "foundation/words.h"
 
 namespace {
 
 constexpr const char* kBondingDirectory = "/proc/net/bonding";
-constexpr const char* kSlaveLine = "Slave Interface:";
-constexpr const char* kPermanentAddressLine = "Permanent HW addr:";
-
-void takeMode(BondingConfig& config, const std::string& value) {
-    config.Mode = value;
-}
-
-void takePrimarySlave(BondingConfig& config, const std::string& value) {
-    config.PrimarySlave = kvl::upTo(value, ' ');
-}
-
-void takeStatus(BondingConfig& config, const std::string& value) {
-    config.MiiStatus = value == "up" ? 1 : 0;
-}
-
-template <int BondingConfig::*kField>
-void takeNumber(BondingConfig& config, const std::string& value) {
-    config.*kField = kvl::toNumber(value);
-}
-
-void takeArpTargets(BondingConfig& config, const std::string& value) {
-    std::string::size_type begin = 0;
-    for (bool last = false; !last;) {
-        const auto comma = value.find(',', begin);
-        last = comma == std::string::npos;
-        std::string piece = value.substr(begin, comma - begin);
-        CStringUtil::strReplace(piece, " ", "");
-        config.arp_ip.push_back(piece);
-        begin = comma + 1;
-    }
-}
-
-struct BondLine {
-    const char* key;
-    void (*take)(BondingConfig&, const std::string& value);
-};
-
-constexpr std::array<BondLine, 8> kBondLines = {{
-    {"Bonding Mode:", takeMode},
-    {"Primary Slave:", takePrimarySlave},
-    {"MII Status:", takeStatus},
-    {"MII Polling Interval", takeNumber<&BondingConfig::pi>},
-    {"Up Delay", takeNumber<&BondingConfig::ud>},
-    {"Down Delay", takeNumber<&BondingConfig::dd>},
-    {"ARP Polling Interval", takeNumber<&BondingConfig::arp_pi>},
-    {"ARP IP target/s", takeArpTargets},
-}};
-
-/// Reads on to a slave's permanent address, over everything else. A slave without one takes the next slave's, which
-/// is lost by that.
-/// @return false if the end of the file came first
-bool readPermanentAddress(CNetworkParameter& collector, kvl::LineReader& lines, SlaveInterface& slave) {
-    std::string line;
-    while (lines.read(line)) {
-        if (beginsWith(line, kPermanentAddressLine)) {
-            slave.HWaddr = CStringUtil::StringToUpperCase(collector.GetColonSeparatedValue(line));
-            return true;
-        }
-    }
-    return false;
-}
 
 std::string arpLine(const BondingConfig& config) {
     std::string line = kvl::formatText("  ARP (pi=%d, ip=", config.arp_pi);
@@ -94,13 +30,12 @@ bool CNetworkParameter::GetBondingIfList(strarray_t& bonds) {
     if (!isFileExist(kBondingDirectory) || ExecCommand("/bin/ls %s", kBondingDirectory) < 0) {
         return false;
     }
-    std::ifstream file(result_file);
-    std::string name;
-    while (file >> name && !file.eof()) {
+    std::ifstream listing(result_file);
+    for (const std::string& name : kvl::readWords(listing)) {
         bonds.push_back(name);
         trace.detail("bonding_list.push_back(%s)", name.c_str());
     }
-    file.close();
+    listing.close();
     RemoveResultFile();
     trace.leave();
     return true;
@@ -124,25 +59,8 @@ bool CNetworkParameter::GetBondingConfifurations() {
 }
 
 bool CNetworkParameter::ParseBondingResult(std::string ifname) {
-    BondingConfig config;
-    kvl::LineReader lines(result_file);
-    std::string line;
-    while (lines.read(line)) {
-        if (beginsWith(line, kSlaveLine)) {
-            SlaveInterface slave;
-            slave.name = GetColonSeparatedValue(line);
-            if (readPermanentAddress(*this, lines, slave)) {
-                config.slaves.push_back(slave);
-            }
-            continue;
-        }
-        for (const BondLine& row : kBondLines) {
-            if (beginsWith(line, row.key)) {
-                row.take(config, GetColonSeparatedValue(line));
-                break;
-            }
-        }
-    }
+    std::ifstream output(result_file);
+    const BondingConfig config = kvl::parseBond(output);
     LogBondingConf(ifname, config);
     bonding_map.emplace(ifname, config);
     return true;

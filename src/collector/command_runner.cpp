@@ -1,14 +1,15 @@
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
-#include <cstring>
-#include <sstream>
+#include <fstream>
 #include <utility>
 
 #include "collector/CNetworkParameter.h"
+#include "collector/cutters.h"
+#include "foundation/exit_status.h"
+#include "foundation/file_state.h"
 #include "foundation/line_reader.h"
 #include "foundation/operation_trace.h"
 #include "foundation/text.h"
@@ -20,19 +21,10 @@ constexpr std::string::size_type kLongestCommand = 255;
 constexpr int kLooks = 10;
 constexpr int kFailed = -1;
 
-bool hasContent(const std::string& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 && status.st_size != 0;
-}
-
-bool exitedWithFailure(int status) {
-    return status < 0 || ((status >> 8) & 0xff) != 0;
-}
-
 /// Waits for output, ten seconds at most. A command's output counts only at the first look, so a wait turns its
 /// result into a failure, also where output shows up later.
 int judgeOutput(const std::string& resultFile, int result) {
-    for (int look = 0; look < kLooks && !hasContent(resultFile); ++look) {
+    for (int look = 0; look < kLooks && !kvl::hasContent(resultFile); ++look) {
         sleep(1);
         result = kFailed;
     }
@@ -46,7 +38,8 @@ CNetworkParameter::CNetworkParameter(std::string moduleName) : module_name(std::
     trace.enter();
     ethtool_option.fill(true);
     if (ExecCommand("/bin/uname -r") >= 0) {
-        kvl::LineReader(result_file).read(kernel_release);
+        std::ifstream output(result_file);
+        kvl::LineReader(output).read(kernel_release);
         RemoveResultFile();
     }
     trace.leave(kernel_release);
@@ -71,7 +64,7 @@ int CNetworkParameter::ExecCommand(const char* format, ...) {
     const std::string line = commandLine + " > " + result_file + " 2> /dev/null";
     trace.detail("[%s]", line.c_str());
     const int status = std::system(line.c_str());
-    if (exitedWithFailure(status)) {
+    if (kvl::exitedWithFailure(status)) {
         trace.error("[%s] command failed! (%d)", line.c_str(), errno);
         RemoveResultFile();
         return kFailed;
@@ -88,18 +81,7 @@ void CNetworkParameter::GetResultFileName(const char* commandLine, std::string& 
 }
 
 void CNetworkParameter::GetCommandName(const char* commandLine, std::string& name) {
-    const std::string text = commandLine;
-    const auto blank = text.find(' ');
-    const auto slash = text.find('/');
-    if (slash == std::string::npos) {
-        name = text;
-    } else if (blank == std::string::npos) {
-        name = text.substr(slash + 1);
-    } else {
-        // kept: the length is counted from the slash and not from behind it, so the cut runs over the blank. For a
-        // slash behind the blank it wraps around and takes all the rest; directly behind it, nothing is left.
-        name = text.substr(slash + 1, blank + 1 - slash);
-    }
+    name = kvl::commandName(commandLine);
 }
 
 int CNetworkParameter::RemoveResultFile() {
@@ -107,8 +89,7 @@ int CNetworkParameter::RemoveResultFile() {
 }
 
 bool CNetworkParameter::isFileExist(std::string path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0;
+    return kvl::isThere(path);
 }
 
 bool CNetworkParameter::isError() {
@@ -120,26 +101,13 @@ std::string CNetworkParameter::GetColonSeparatedValue(std::string text) {
 }
 
 std::string CNetworkParameter::GetColonSeparatedValue(std::string text, unsigned int start) {
-    const auto colon = text.find(':', start);
-    auto begin = colon == std::string::npos ? text.size() + 1 : colon + 1;
-    while (begin < text.size() && text[begin] == ' ') {
-        ++begin;
-    }
-    work_str = kvl::cut(text, begin);
+    work_str = kvl::colonSeparatedValue(text, start);
     return work_str;
 }
 
 std::string CNetworkParameter::GetStr(char separator, int index, std::string text) {
     work_str.clear();
-    std::string::size_type start = 1;
-    for (int passed = 0; passed < index; ++passed) {
-        const auto hit = text.find(separator, start);
-        if (hit == std::string::npos) {
-            return "";
-        }
-        start = hit + 1;
-    }
-    work_str = kvl::upTo(kvl::cut(text, start), separator);
+    work_str = kvl::fieldAfter(separator, index, text);
     return work_str;
 }
 
@@ -147,16 +115,11 @@ std::string CNetworkParameter::GetNextStr(std::string& text) {
     if (text.empty()) {
         return "";
     }
-    const auto begin = text.find_first_not_of(' ');
-    const auto end = text.find(' ', begin);
-    work_str = begin == std::string::npos ? "" : text.substr(begin, end - begin);
-    text.erase(0, text.find_first_not_of(' ', end));
+    work_str = kvl::takeWord(text);
     return work_str;
 }
 
 std::string CNetworkParameter::toStr(int value) {
-    std::ostringstream stream;
-    stream << value;
-    work_str = stream.str();
+    work_str = kvl::decimalText(value);
     return work_str;
 }

@@ -1,105 +1,13 @@
-#include <array>
+#include <fstream>
 
 #include "collector/CNetworkParameter.h"
+#include "collector/ifconfig_parser.h"
 #include "collector/parsing.h"
 #include "foundation/CTextFileParser.h"
-#include "foundation/line_reader.h"
 #include "foundation/operation_trace.h"
 #include "foundation/text.h"
 
-using kvl::beginsWith;
-using kvl::holds;
-
 namespace {
-
-struct FlagWord {
-    const char* word;
-    bool IfconfigResult::*field;
-};
-
-constexpr std::array<FlagWord, 4> kFlagWords = {{
-    {"UP", &IfconfigResult::up},
-    {"BROADCAST", &IfconfigResult::broadcast},
-    {"RUNNING", &IfconfigResult::running},
-    {"MULTICAST", &IfconfigResult::multicast},
-}};
-
-struct ValueWord {
-    const char* prefix;
-    std::string IfconfigResult::*field;
-};
-
-constexpr std::array<ValueWord, 5> kValueWords = {{
-    {"Bcast:", &IfconfigResult::Bcast},
-    {"Mask:", &IfconfigResult::Mask},
-    {"Scope:", &IfconfigResult::Scope},
-    {"MTU:", &IfconfigResult::MTU},
-    {"Metric:", &IfconfigResult::Metric},
-}};
-
-/// Takes the words of an interface's lines into its record.
-class BlockParser {
-public:
-    BlockParser(CNetworkParameter& collector, IfconfigResult& record) : collector_(collector), record_(record) {}
-
-    void takeLine(std::string rest) {
-        for (std::string word = collector_.GetNextStr(rest); !word.empty(); word = collector_.GetNextStr(rest)) {
-            if (!takeWordWithFollower(word, rest) && !takeFlag(word)) {
-                takeValue(word);
-            }
-        }
-    }
-
-private:
-    bool takeWordWithFollower(const std::string& word, std::string& rest) {
-        if (word == "Link") {
-            record_.link_encap = collector_.GetNextStr(rest) == "encap:Ethernet" ? 1 : 0;
-        } else if (word == "HWaddr") {
-            record_.HWaddr = collector_.GetNextStr(rest);
-        } else if (word == "inet") {
-            record_.inet_addr = collector_.GetColonSeparatedValue(collector_.GetNextStr(rest));
-        } else if (word == "inet6") {
-            collector_.GetNextStr(rest);
-            takeIpv6Address(collector_.GetNextStr(rest));
-        } else {
-            return false;
-        }
-        return true;
-    }
-
-    /// The slash stays with the address. Without one the whole word is the prefix length of an empty address.
-    void takeIpv6Address(const std::string& word) {
-        const auto prefix = word.find('/') + 1;
-        record_.inet6_addr.emplace(word.substr(0, prefix), word.substr(prefix));
-    }
-
-    bool takeFlag(const std::string& word) {
-        for (const FlagWord& flag : kFlagWords) {
-            if (word == flag.word) {
-                record_.*flag.field = true;
-                return true;
-            }
-        }
-        return false;
-    }
-
-    void takeValue(const std::string& word) {
-        for (const ValueWord& value : kValueWords) {
-            if (beginsWith(word, value.prefix)) {
-                record_.*value.field = collector_.GetColonSeparatedValue(word);
-                return;
-            }
-        }
-    }
-
-    CNetworkParameter& collector_;
-    IfconfigResult& record_;
-};
-
-// kept: the loopback and the tunnels are told by a part of the name, which drops any other name that holds it.
-bool isLeftOut(const std::string& ifname) {
-    return holds(ifname, "sit") || holds(ifname, "lo");
-}
 
 /// @return 1 if the key's value is `expected`, 0 for another value, -1 without the key or the file
 int compareIniValue(const std::string& file, const char* key, const char* expected) {
@@ -134,26 +42,13 @@ bool CNetworkParameter::GetNetworkConfigurations() {
 }
 
 bool CNetworkParameter::ParseIfconfigResult() {
-    kvl::LineReader lines(result_file);
-    std::string line;
-    std::string ifname;
-    IfconfigResult record;
-    while (lines.read(line)) {
-        if (!line.empty()) {
-            if (line.front() != ' ') {
-                ifname = GetNextStr(line);
-            }
-            BlockParser(*this, record).takeLine(line);
-            continue;
-        }
-        if (record.link_encap != -1 && !isLeftOut(ifname)) {
-            GetIfconfigFile(ifname, &record);
-            record.kernel_release = kernel_release;
-            LogIfconfig(ifname, record);
-            ifconfig_map.emplace(ifname, record);
-        }
-        record = IfconfigResult();
-    }
+    std::ifstream output(result_file);
+    kvl::parseIfconfig(output, [this](const std::string& ifname, IfconfigResult record) {
+        GetIfconfigFile(ifname, &record);
+        record.kernel_release = kernel_release;
+        LogIfconfig(ifname, record);
+        ifconfig_map.emplace(ifname, record);
+    });
     return true;
 }
 

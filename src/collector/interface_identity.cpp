@@ -1,14 +1,15 @@
 #include <net/if.h>
 
 #include <array>
+#include <fstream>
 #include <memory>
 #include <stdexcept>
 
 #include "collector/CNetworkParameter.h"
 #include "collector/parsing.h"
+#include "collector/udev_rules_parser.h"
 #include "foundation/CCommon_Information.h"
 #include "foundation/CTextFileParser.h"
-#include "foundation/line_reader.h"
 #include "foundation/operation_trace.h"
 #include "foundation/text.h"
 #include "host/CStringUtil.h"
@@ -20,7 +21,6 @@ namespace {
 constexpr const char* kReleaseFile = "/etc/redhat-release";
 constexpr int kReleaseColumn = 7;
 constexpr std::string::size_type kLongestBusinfo = 11;
-constexpr std::string::size_type kMacLength = 17;
 
 /// Where the udev rules that bind addresses to names stand, and in which column of a rule the address is.
 struct UdevRules {
@@ -41,19 +41,6 @@ UdevRules rulesOfThisRelease() {
         }
     }
     return kNetRules;
-}
-
-std::string normalized(std::string mac) {
-    CStringUtil::strReplace(mac, "\"", "");
-    return CStringUtil::StringToUpperCase(mac);
-}
-
-/// Takes the address out of a rule's column, such as ATTR{address}=="00:1b:21:aa:bb:cc".
-/// @throws std::out_of_range for a column of under two characters
-std::string addressOfRule(const std::string& column) {
-    // kept: where the marker is missing its position wraps around, and the address begins at position 2.
-    const auto address = column.find("==\"") + 3;
-    return normalized(kvl::cut(column, address, kMacLength));
 }
 
 bool isPhysicalName(const std::string& ifname) {
@@ -91,8 +78,7 @@ void CNetworkParameter::GetInterfaceNameList(strarray_t& names) {
     trace.enter();
     ifname_list.clear();
     for (const auto& entry : ifconfig_map) {
-        CTraceUtility::WriteDebug(module_name.c_str(), TRACE_DBG_NOTICE, "ifname_list.push_back(%s)",
-                                  entry.first.c_str());
+        trace.notice("ifname_list.push_back(%s)", entry.first.c_str());
         ifname_list.push_back(entry.first);
     }
     names = ifname_list;
@@ -194,20 +180,16 @@ std::string CNetworkParameter::GetCommonMac(std::string& ifname, macset_t& macs)
         !CTextFileParser::GetIniFileValue(ifcfgFile, "MACADDR", configured)) {
         return "";
     }
-    work_str = normalized(configured);
+    work_str = kvl::normalizedMac(configured);
 
     const UdevRules rules = rulesOfThisRelease();
-    kvl::LinesContainingKey lines(rules.file, "NAME=\"" + ifname + "\"");
-    std::string line;
-    while (lines.next(line)) {
-        std::string column;
-        CTextFileParser::GetStrInFixedPosition(line, rules.addressColumn, column);
-        const std::string address = addressOfRule(column);
+    std::ifstream file(rules.file);
+    kvl::parseUdevRules(file, ifname, rules.addressColumn, [&](const std::string& address) {
         if (address != work_str) {
             trace.detail("%s, %s", ifname.c_str(), address.c_str());
             macs.insert(address);
         }
-    }
+    });
     trace.leave();
     return work_str;
 }

@@ -1,6 +1,7 @@
+#include <fstream>
+
 #include "collector/CNetworkParameter.h"
-#include "foundation/CTextFileParser.h"
-#include "foundation/line_reader.h"
+#include "collector/resolver_parser.h"
 #include "foundation/operation_trace.h"
 
 bool CNetworkParameter::GetResolvConf(ResolvConf& conf) {
@@ -11,27 +12,15 @@ bool CNetworkParameter::GetResolvConf(ResolvConf& conf) {
         return false;
     }
     conf.valid = true;
-
-    const auto addSuffix = [&](const std::string& suffix) {
+    std::ifstream text(result_file);
+    const ResolvConf found = kvl::parseResolvConf(text);
+    for (const std::string& server : found.nameserver) {
+        trace.detail("nameserver.push_back(%s)", server.c_str());
+        conf.nameserver.push_back(server);
+    }
+    for (const std::string& suffix : found.dns_suffix) {
         trace.detail("dns_suffix.push_back(%s)", suffix.c_str());
         conf.dns_suffix.push_back(suffix);
-    };
-    std::string line;
-    std::string word;
-    kvl::LinesBeginningKey nameservers(result_file, "nameserver");
-    while (nameservers.next(line)) {
-        CTextFileParser::GetStrInFixedPosition(line, 2, word);
-        trace.detail("nameserver.push_back(%s)", word.c_str());
-        conf.nameserver.push_back(word);
-    }
-    if (CTextFileParser::GetLineBeginningKey(result_file, "domain", 1, line)) {
-        CTextFileParser::GetStrInFixedPosition(line, 2, word);
-        addSuffix(word);
-    }
-    if (CTextFileParser::GetLineBeginningKey(result_file, "search", 1, line)) {
-        for (int column = 2; CTextFileParser::GetStrInFixedPosition(line, column, word); ++column) {
-            addSuffix(word);
-        }
     }
     RemoveResultFile();
     trace.leave();

@@ -1,9 +1,10 @@
+#include <fstream>
 #include <map>
 
 #include "collector/CNetworkParameter.h"
 #include "collector/parsing.h"
+#include "collector/route_parser.h"
 #include "foundation/CTextFileParser.h"
-#include "foundation/line_reader.h"
 #include "foundation/operation_trace.h"
 
 namespace {
@@ -12,16 +13,6 @@ constexpr const char* kRouteCommand = "/sbin/route";
 constexpr const char* kIpv6RouteCommand = "/bin/netstat -A inet6 -nr";
 constexpr const char* kNetworkFile = "/etc/sysconfig/network";
 constexpr const char* kIpv6GatewayKey = "IPV6_DEFAULTGW";
-constexpr const char* kOnLink = "::";
-
-// Columns of route's table.
-constexpr int kGatewayColumn = 2;
-constexpr int kMetricColumn = 5;
-constexpr int kInterfaceColumn = 8;
-
-// Columns of netstat's table.
-constexpr int kNextHopColumn = 2;
-constexpr int kIpv6MetricColumn = 4;
 
 }  // namespace
 
@@ -33,14 +24,8 @@ bool CNetworkParameter::GetRoutingConfigurations() {
         return false;
     }
     std::multimap<std::string, RouteConfig> routes;
-    kvl::LinesBeginningKey lines(result_file, "default");
-    std::string line;
-    while (lines.next(line)) {
-        RouteConfig route;
-        std::string ifname;
-        CTextFileParser::GetStrInFixedPosition(line, kGatewayColumn, route.Gateway);
-        CTextFileParser::GetStrInFixedPosition(line, kMetricColumn, route.Metric);
-        CTextFileParser::GetStrInFixedPosition(line, kInterfaceColumn, ifname);
+    std::ifstream table(result_file);
+    for (const auto& [ifname, route] : kvl::parseDefaultRoutes(table)) {
         trace.detail("Iface=%s, Gateway=%s, Metric=%s", ifname.c_str(), route.Gateway.c_str(), route.Metric.c_str());
         routes.emplace(ifname, route);
     }
@@ -79,21 +64,14 @@ std::list<RouteConfig> CNetworkParameter::GetRouteDataV6(std::string ifname) {
         module_name,
         "std::list<RouteConfig, std::allocator<RouteConfig> > CNetworkParameter::GetRouteDataV6(std::string)");
     trace.enter();
-    std::list<RouteConfig> routes;
     if (ExecCommand("%s", kIpv6RouteCommand) < 0) {
-        CTraceUtility::WriteDebug(module_name.c_str(), TRACE_DBG_NOTICE, "** Not IPv6 Protocol **");
-        return routes;
+        trace.notice("** Not IPv6 Protocol **");
+        return {};
     }
-    kvl::LinesContainingKey lines(result_file, ifname);
-    std::string line;
-    while (lines.next(line)) {
-        RouteConfig route;
-        CTextFileParser::GetStrInFixedPosition(line, kNextHopColumn, route.Gateway);
-        if (route.Gateway != kOnLink && CTextFileParser::GetStrInFixedPosition(line, kIpv6MetricColumn, route.Metric)) {
-            trace.detail("IPv6: %s, Gateway=%s, Metric=%s", ifname.c_str(), route.Gateway.c_str(),
-                         route.Metric.c_str());
-            routes.push_back(route);
-        }
+    std::ifstream table(result_file);
+    std::list<RouteConfig> routes = kvl::parseIpv6Routes(table, ifname);
+    for (const RouteConfig& route : routes) {
+        trace.detail("IPv6: %s, Gateway=%s, Metric=%s", ifname.c_str(), route.Gateway.c_str(), route.Metric.c_str());
     }
     RemoveResultFile();
     trace.leave();
@@ -108,25 +86,17 @@ std::string CNetworkParameter::GetIpv6Metric(std::string ifname, std::string& ga
     const std::string ifcfgFile = kvl::kIfcfgPrefix + ifname;
     if (!CTextFileParser::GetIniFileValue(kNetworkFile, kIpv6GatewayKey, gateway) &&
         !CTextFileParser::GetIniFileValue(ifcfgFile, kIpv6GatewayKey, gateway)) {
-        CTraceUtility::WriteDebug(module_name.c_str(), TRACE_DBG_NOTICE, "** Not IPv6 Protocol ** (%s)",
-                                  ifcfgFile.c_str());
+        trace.notice("** Not IPv6 Protocol ** (%s)", ifcfgFile.c_str());
         return "";
     }
     if (ExecCommand("%s", kIpv6RouteCommand) < 0) {
-        CTraceUtility::WriteDebug(module_name.c_str(), TRACE_DBG_NOTICE, "** Not IPv6 Protocol **");
+        trace.notice("** Not IPv6 Protocol **");
         return "";
     }
-    kvl::LinesContainingKey lines(result_file, ifname);
-    std::string line;
-    while (lines.next(line)) {
-        std::string nextHop;
-        std::string metric;
-        CTextFileParser::GetStrInFixedPosition(line, kNextHopColumn, nextHop);
-        if (nextHop == gateway && CTextFileParser::GetStrInFixedPosition(line, kIpv6MetricColumn, metric)) {
-            work_str = metric;
-            trace.detail("IPv6: %s, Gateway=%s, Metric=%s", ifname.c_str(), gateway.c_str(), work_str.c_str());
-            break;
-        }
+    std::ifstream table(result_file);
+    if (const std::optional<std::string> metric = kvl::findIpv6Metric(table, ifname, gateway)) {
+        work_str = *metric;
+        trace.detail("IPv6: %s, Gateway=%s, Metric=%s", ifname.c_str(), gateway.c_str(), work_str.c_str());
     }
     RemoveResultFile();
     trace.leave();

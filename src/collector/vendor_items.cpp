@@ -1,6 +1,7 @@
 #include <fstream>
 
 #include "collector/CNetworkParameter.h"
+#include "collector/vendor_item_parser.h"
 #include "foundation/CCommon_Information.h"
 #include "foundation/operation_trace.h"
 #include "host/CFileUtility.h"
@@ -29,8 +30,7 @@ std::string CNetworkParameter::GetVendorDependInfo(std::string ifname, int item)
         trace.detail("[%s] is not exist", path.c_str());
         return "";
     }
-    std::string value;
-    std::getline(file, value);
+    const std::string value = kvl::parseVendorItem(file);
     trace.detail("infs[%d] = [%s]", item, value.c_str());
     trace.leave();
     return value;

@@ -6,11 +6,12 @@
 
 #include <array>
 #include <cstdio>
-#include <fstream>
 #include <memory>
 
 #include "foundation/descriptor.h"
+#include "foundation/file_state.h"
 #include "foundation/shell_child.h"
+#include "foundation/text.h"
 #include "host/HostFunctions.h"
 
 using kvl::Descriptor;
@@ -140,19 +141,15 @@ std::string CCommon_Information::GetResultLine(const std::string& command) {
     if (std::fgets(buffer.data(), static_cast<int>(buffer.size()), stream.get()) == nullptr) {
         return "";
     }
-    std::string text = buffer.data();
-    return MyStrTok(&text, '\n');
+    return kvl::upTo(buffer.data(), '\n');
 }
 
 std::string CCommon_Information::MyStrTok(std::string* text, char separator) {
-    const auto end = text->find(separator);
-    std::string token = text->substr(0, end);
-    text->erase(0, end == std::string::npos ? end : end + 1);
-    return token;
+    return kvl::takeToken(*text, separator);
 }
 
 bool CCommon_Information::MyPathFileExists(const std::string& path) {
-    return std::ifstream(path).is_open();
+    return kvl::canOpen(path);
 }
 
 bool CCommon_Information::RetryDeleteFile(const std::string& path) {

@@ -37,6 +37,12 @@ public:
         CTraceUtility::WriteDebug(module_, TRACE_DBG_ERROR, behindSignature(format).c_str(), arguments...);
     }
 
+    /// A line at level 32: the format filled with the arguments, without the signature.
+    template <typename... Arguments>
+    void notice(const char* format, Arguments... arguments) const {
+        CTraceUtility::WriteDebug(module_, TRACE_DBG_NOTICE, format, arguments...);
+    }
+
 private:
     void boundary(const char* marker, const std::string& tail) const;
     std::string behindSignature(const char* format) const { return std::string(signature_) + " " + format; }

@@ -4,7 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "foundation/CCommon_Information.h"
+#include "foundation/file_state.h"
 #include "host/HostFunctions.h"
 
 namespace kvl {
@@ -26,7 +26,7 @@ unsigned long judge(int status, unsigned long* exitCode) {
 }  // namespace
 
 bool canRun(const std::string& command, const std::string& workDir) {
-    return !command.empty() && (workDir.empty() || CCommon_Information::MyPathFileExists(workDir));
+    return !command.empty() && (workDir.empty() || canOpen(workDir));
 }
 
 bool becomeStandardOutput(int descriptor) {

@@ -44,4 +44,11 @@ std::string upTo(const std::string& text, char end) {
     return text.substr(0, text.find(end));
 }
 
+std::string takeToken(std::string& text, char separator) {
+    const auto end = text.find(separator);
+    std::string token = text.substr(0, end);
+    text.erase(0, end == std::string::npos ? end : end + 1);
+    return token;
+}
+
 }  // namespace kvl

@@ -27,6 +27,11 @@ std::string cut(const std::string& text, std::string::size_type position,
 /// @return the part of `text` before the first `end`, or all of it if there is none
 std::string upTo(const std::string& text, char end);
 
+/// Takes the next token off the front of a text. Empty tokens count.
+/// @param text  becomes what stands after the separator, empty if there is none
+/// @return the part before the separator, or all of it
+std::string takeToken(std::string& text, char separator);
+
 }  // namespace kvl
 
 #endif

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "tests/adapter/adapter_test.h"
+#include "tests/adapter/literal_trace.h"
 #include "tests/foundation/descriptor_in_file.h"
 
 namespace kvl::test {
@@ -48,22 +49,6 @@ const Driver kDrivers[] = {
     {"/etc/depmod.d/elxbe2iscsi.conf", "override be2iscsi",
      "\noverride be2iscsi * weak-updates/updates/be2iscsi\noverride be2iscsi * weak-updates/be2iscsi\n"},
 };
-
-const std::string kDepmodStart = "4 CEmulexCommon::DepmodExecute() [START]";
-const std::string kDepmodRun = "1 Execute depmod command by _tsystem method [depmod -a]";
-const std::string kDepmodEnd = "4 CEmulexCommon::DepmodExecute() [END]";
-
-Lines depmodTrace(const Lines& failures = {}, const std::string& outcome = "1 depmod -a ok.") {
-    return Lines{kDepmodStart} + failures + Lines{kDepmodRun, outcome, kDepmodEnd};
-}
-
-std::string notOpened(const Driver& driver) {
-    return "2 Failed to open file(" + driver.path + ").";
-}
-
-std::string depmodError(int status) {
-    return "2 depmod -a error.(" + std::to_string(status) + ")";
-}
 
 /// Has each write to a regular file fail as long as this object lives, as on a full disk. Files can be opened and made.
 class FullDisk {
@@ -108,7 +93,7 @@ protected:
 
     void answer(int status) {
         libc().system = [this, status](const char* command) {
-            EXPECT_EQ(TestHost::trace().back(), kDepmodRun);
+            EXPECT_EQ(TestHost::trace().back(), "1 Execute depmod command by _tsystem method [depmod -a]");
             commands.emplace_back(command);
             return status;
         };
@@ -124,7 +109,10 @@ TEST_F(Depmod, DoesNothingWithoutADriver) {
     fs::remove(fs::path("/etc/depmod.d"));
     answer(0);
     EXPECT_TRUE(execute(false, false, false));
-    EXPECT_EQ(TestHost::trace(), (Lines{kDepmodStart, kDepmodEnd}));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DepmodExecute() [START]
+        4 CEmulexCommon::DepmodExecute() [END]
+    )"));
     EXPECT_THAT(commands, testing::IsEmpty());
     EXPECT_FALSE(fs::exists("/etc/depmod.d"));
     EXPECT_EQ(takeError(), kEarlierError);
@@ -136,7 +124,12 @@ TEST_F(Depmod, AddsTheLinesOfEachCombinationOfDriversAndRunsOnce) {
         const auto isWanted = [combination](std::size_t place) { return (combination >> place & 1U) != 0; };
         forget();
         EXPECT_TRUE(execute(isWanted(0), isWanted(1), isWanted(2)));
-        EXPECT_EQ(TestHost::trace(), depmodTrace());
+        EXPECT_EQ(TestHost::trace(), traceOf(R"(
+            4 CEmulexCommon::DepmodExecute() [START]
+            1 Execute depmod command by _tsystem method [depmod -a]
+            1 depmod -a ok.
+            4 CEmulexCommon::DepmodExecute() [END]
+        )"));
         EXPECT_EQ(machine.commandsRun(), (Lines{"/sbin/depmod -a"}));
         EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlierError);
         for (std::size_t place = 0; place < 3; ++place) {
@@ -188,7 +181,12 @@ TEST_F(Depmod, AppendsToAFileWithoutTheLines) {
             forget();
             EXPECT_TRUE(execute(place));
             EXPECT_EQ(contentOf(driver.path), text + driver.lines);
-            EXPECT_EQ(TestHost::trace(), depmodTrace());
+            EXPECT_EQ(TestHost::trace(), traceOf(R"(
+                4 CEmulexCommon::DepmodExecute() [START]
+                1 Execute depmod command by _tsystem method [depmod -a]
+                1 depmod -a ok.
+                4 CEmulexCommon::DepmodExecute() [END]
+            )"));
         }
     }
 }
@@ -216,7 +214,12 @@ TEST_F(Depmod, LeavesAFileAloneThatHoldsTheTextAnywhereAndRuns) {
             forget();
             EXPECT_TRUE(execute(place));
             EXPECT_EQ(contentOf(driver.path), text);
-            EXPECT_EQ(TestHost::trace(), depmodTrace());
+            EXPECT_EQ(TestHost::trace(), traceOf(R"(
+                4 CEmulexCommon::DepmodExecute() [START]
+                1 Execute depmod command by _tsystem method [depmod -a]
+                1 depmod -a ok.
+                4 CEmulexCommon::DepmodExecute() [END]
+            )"));
             EXPECT_EQ(machine.commandsRun(), (Lines{"/sbin/depmod -a"}));
             EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlierError);
             fs::remove(driver.path);
@@ -236,7 +239,16 @@ TEST_F(Depmod, AddsTheLinesOnceAndRunsEachTime) {
     for (const Driver& driver : kDrivers) {
         EXPECT_EQ(contentOf(driver.path), driver.lines);
     }
-    EXPECT_EQ(TestHost::trace(), depmodTrace() + depmodTrace());
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DepmodExecute() [START]
+        1 Execute depmod command by _tsystem method [depmod -a]
+        1 depmod -a ok.
+        4 CEmulexCommon::DepmodExecute() [END]
+        4 CEmulexCommon::DepmodExecute() [START]
+        1 Execute depmod command by _tsystem method [depmod -a]
+        1 depmod -a ok.
+        4 CEmulexCommon::DepmodExecute() [END]
+    )"));
     EXPECT_EQ(machine.commandsRun(), (Lines{"/sbin/depmod -a", "/sbin/depmod -a"}));
 }
 
@@ -244,7 +256,12 @@ TEST_F(Depmod, AppendsToAFileThatCannotBeRead) {
     machine.file(kDrivers[0].path, kDrivers[0].lines);
     chmod(kDrivers[0].path.c_str(), 0200);
     EXPECT_TRUE(execute(0));
-    EXPECT_EQ(TestHost::trace(), depmodTrace());
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DepmodExecute() [START]
+        1 Execute depmod command by _tsystem method [depmod -a]
+        1 depmod -a ok.
+        4 CEmulexCommon::DepmodExecute() [END]
+    )"));
     EXPECT_EQ(takeError(), kEarlierError);
     chmod(kDrivers[0].path.c_str(), 0600);
     EXPECT_EQ(contentOf(kDrivers[0].path), kDrivers[0].lines + kDrivers[0].lines);
@@ -256,7 +273,15 @@ TEST_F(Depmod, FailsForAFileThatCannotBeWritten) {
         chmod(driver.path.c_str(), 0444);
     }
     EXPECT_FALSE(executeAll());
-    EXPECT_EQ(TestHost::trace(), depmodTrace({notOpened(kDrivers[0]), notOpened(kDrivers[1]), notOpened(kDrivers[2])}));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DepmodExecute() [START]
+        2 Failed to open file(/etc/depmod.d/elxbe2net.conf).
+        2 Failed to open file(/etc/depmod.d/elxlpfc.conf).
+        2 Failed to open file(/etc/depmod.d/elxbe2iscsi.conf).
+        1 Execute depmod command by _tsystem method [depmod -a]
+        1 depmod -a ok.
+        4 CEmulexCommon::DepmodExecute() [END]
+    )"));
     EXPECT_EQ(takeError(), 17U);
     EXPECT_EQ(machine.commandsRun(), (Lines{"/sbin/depmod -a"}));
     for (const Driver& driver : kDrivers) {
@@ -271,7 +296,12 @@ TEST_F(Depmod, TakesAWriteThatFailsForDoneWhereTheFileCanBeOpened) {
         const FullDisk fullDisk;
         EXPECT_TRUE(executeAll());
     }
-    EXPECT_EQ(TestHost::trace(), depmodTrace());
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DepmodExecute() [START]
+        1 Execute depmod command by _tsystem method [depmod -a]
+        1 depmod -a ok.
+        4 CEmulexCommon::DepmodExecute() [END]
+    )"));
     EXPECT_EQ(commands, (Lines{"depmod -a"}));
     EXPECT_EQ(takeError(), kEarlierError);
     EXPECT_EQ(contentOf(kDrivers[0].path), "");
@@ -282,7 +312,13 @@ TEST_F(Depmod, TakesAWriteThatFailsForDoneWhereTheFileCanBeOpened) {
 TEST_F(Depmod, FailsWithoutTheDirectory) {
     fs::remove(fs::path("/etc/depmod.d"));
     EXPECT_FALSE(execute(1));
-    EXPECT_EQ(TestHost::trace(), depmodTrace({notOpened(kDrivers[1])}));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DepmodExecute() [START]
+        2 Failed to open file(/etc/depmod.d/elxlpfc.conf).
+        1 Execute depmod command by _tsystem method [depmod -a]
+        1 depmod -a ok.
+        4 CEmulexCommon::DepmodExecute() [END]
+    )"));
     EXPECT_EQ(takeError(), 17U);
     EXPECT_EQ(machine.commandsRun(), (Lines{"/sbin/depmod -a"}));
     EXPECT_FALSE(fs::exists("/etc/depmod.d"));
@@ -294,7 +330,13 @@ TEST_F(Depmod, TreatsTheOtherDriversAndRunsBehindAFileThatFails) {
         block(kDrivers[failing]);
         forget();
         EXPECT_FALSE(executeAll());
-        EXPECT_EQ(TestHost::trace(), depmodTrace({notOpened(kDrivers[failing])}));
+        EXPECT_EQ(TestHost::trace(), traceOf({{"path", kDrivers[failing].path}}, R"(
+            4 CEmulexCommon::DepmodExecute() [START]
+            2 Failed to open file({path}).
+            1 Execute depmod command by _tsystem method [depmod -a]
+            1 depmod -a ok.
+            4 CEmulexCommon::DepmodExecute() [END]
+        )"));
         EXPECT_EQ(takeError(), 17U);
         EXPECT_EQ(machine.commandsRun(), (Lines{"/sbin/depmod -a"}));
         for (std::size_t place = 0; place < 3; ++place) {
@@ -311,7 +353,12 @@ TEST_F(Depmod, FailsWithTheRawResultOfTheShellAndNoCode) {
         answer(status);
         forget();
         EXPECT_FALSE(executeAll()) << status;
-        EXPECT_EQ(TestHost::trace(), depmodTrace({}, depmodError(status)));
+        EXPECT_EQ(TestHost::trace(), traceOf({{"status", std::to_string(status)}}, R"(
+            4 CEmulexCommon::DepmodExecute() [START]
+            1 Execute depmod command by _tsystem method [depmod -a]
+            2 depmod -a error.({status})
+            4 CEmulexCommon::DepmodExecute() [END]
+        )"));
         EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlierError);
     }
 }
@@ -319,13 +366,23 @@ TEST_F(Depmod, FailsWithTheRawResultOfTheShellAndNoCode) {
 TEST_F(Depmod, FailsWhereDepmodFails) {
     machine.command("/sbin/depmod -a", "", {1});
     EXPECT_FALSE(executeAll());
-    EXPECT_EQ(takeTrace(), depmodTrace({}, depmodError(256)));
+    EXPECT_EQ(takeTrace(), traceOf(R"(
+        4 CEmulexCommon::DepmodExecute() [START]
+        1 Execute depmod command by _tsystem method [depmod -a]
+        2 depmod -a error.(256)
+        4 CEmulexCommon::DepmodExecute() [END]
+    )"));
     for (const Driver& driver : kDrivers) {
         EXPECT_EQ(contentOf(driver.path), driver.lines);
     }
     machine.dropCommand("/sbin/depmod");
     EXPECT_FALSE(executeAll());
-    EXPECT_EQ(takeTrace(), depmodTrace({}, depmodError(127 * 256)));
+    EXPECT_EQ(takeTrace(), traceOf(R"(
+        4 CEmulexCommon::DepmodExecute() [START]
+        1 Execute depmod command by _tsystem method [depmod -a]
+        2 depmod -a error.(32512)
+        4 CEmulexCommon::DepmodExecute() [END]
+    )"));
     EXPECT_EQ(takeError(), kEarlierError);
 }
 
@@ -333,9 +390,14 @@ TEST_F(Depmod, FailsWhereASignalEndsTheShell) {
     // The shell may have made itself the program, or wait for it and tell of the signal by its status.
     machine.command("/sbin/depmod -a", "", kvl::machines::Ending::bySignal(SIGKILL));
     EXPECT_FALSE(execute(0));
-    const Lines trace = takeTrace();
-    EXPECT_TRUE(trace == depmodTrace({}, depmodError(SIGKILL)) ||
-                trace == depmodTrace({}, depmodError((128 + SIGKILL) * 256)));
+    const std::string failed = R"(
+        4 CEmulexCommon::DepmodExecute() [START]
+        1 Execute depmod command by _tsystem method [depmod -a]
+        2 depmod -a error.({status})
+        4 CEmulexCommon::DepmodExecute() [END]
+    )";
+    EXPECT_THAT(takeTrace(),
+                testing::AnyOf(traceOf({{"status", "9"}}, failed), traceOf({{"status", "35072"}}, failed)));
     EXPECT_EQ(takeError(), kEarlierError);
 }
 
@@ -343,7 +405,13 @@ TEST_F(Depmod, KeepsTheCodeOfAFileWhereDepmodFailsToo) {
     block(kDrivers[2]);
     answer(256);
     EXPECT_FALSE(execute(true, false, true));
-    EXPECT_EQ(TestHost::trace(), depmodTrace({notOpened(kDrivers[2])}, depmodError(256)));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DepmodExecute() [START]
+        2 Failed to open file(/etc/depmod.d/elxbe2iscsi.conf).
+        1 Execute depmod command by _tsystem method [depmod -a]
+        2 depmod -a error.(256)
+        4 CEmulexCommon::DepmodExecute() [END]
+    )"));
     EXPECT_EQ(takeError(), 17U);
     EXPECT_EQ(contentOf(kDrivers[0].path), kDrivers[0].lines);
     EXPECT_EQ(commands, (Lines{"depmod -a"}));
@@ -366,11 +434,16 @@ const std::string kReadRelease = "cat /etc/redhat-release";
 const std::string kMove = "mv -f  /boot/initramfs-`uname -r`.img  /boot/initramfs-`uname -r`.img.org";
 const std::string kBuild = "dracut /boot/initramfs-`uname -r`.img";
 
-const std::string kNoRelease = "1 cat /etc/redhat-releas command error.";
+const std::string kNotRebuilt = R"(
+    4 CEmulexCommon::DracutExcute() [START]
+    4 CEmulexCommon::DracutExcute() [END]
+)";
 
-Lines dracutTrace(const Lines& between = {}) {
-    return Lines{"4 CEmulexCommon::DracutExcute() [START]"} + between + Lines{"4 CEmulexCommon::DracutExcute() [END]"};
-}
+const std::string kNoRelease = R"(
+    4 CEmulexCommon::DracutExcute() [START]
+    1 cat /etc/redhat-releas command error.
+    4 CEmulexCommon::DracutExcute() [END]
+)";
 
 /// A server of release 6 with the image of the running kernel. Its shell writes down what it is to run.
 class Dracut : public BootFiles {
@@ -414,9 +487,9 @@ protected:
         return lines;
     }
 
-    void expectNothingDone(const Lines& trace) {
+    void expectNothingDone(const std::string& trace) {
         EXPECT_TRUE(execute());
-        EXPECT_EQ(takeTrace(), dracutTrace(trace));
+        EXPECT_EQ(takeTrace(), traceOf(trace));
         EXPECT_EQ(takeCommands(), (Lines{kReadRelease}));
         EXPECT_EQ(namesIn("/boot"), (Lines{fs::path(kImage).filename()}));
         EXPECT_EQ(contentOf(kImage), "the first image\n");
@@ -426,7 +499,10 @@ protected:
 
 TEST_F(Dracut, MovesTheImageAndBuildsItAnew) {
     EXPECT_TRUE(execute());
-    EXPECT_EQ(TestHost::trace(), dracutTrace());
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DracutExcute() [START]
+        4 CEmulexCommon::DracutExcute() [END]
+    )"));
     EXPECT_EQ(takeCommands(), (Lines{"cat /etc/redhat-release",
                                      "mv -f  /boot/initramfs-`uname -r`.img  /boot/initramfs-`uname -r`.img.org",
                                      "dracut /boot/initramfs-`uname -r`.img"}));
@@ -442,7 +518,12 @@ TEST_F(Dracut, KeepsTheNewestFormerImageAlone) {
     EXPECT_EQ(contentOf(kImage), "a new image\n");
     EXPECT_EQ(contentOf(kFormerImage), "a new image\n");
     EXPECT_EQ(namesIn("/boot").size(), 2U);
-    EXPECT_EQ(TestHost::trace(), dracutTrace() + dracutTrace());
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DracutExcute() [START]
+        4 CEmulexCommon::DracutExcute() [END]
+        4 CEmulexCommon::DracutExcute() [START]
+        4 CEmulexCommon::DracutExcute() [END]
+    )"));
 }
 
 TEST_F(Dracut, RunsTheCommandsWithTheDescriptorsAndInTheDirectoryOfTheCaller) {
@@ -471,7 +552,10 @@ TEST_F(Dracut, GoesByTheTextRelease6Anywhere) {
                                    "CentOS release 6.3 (Final)", "prerelease 6", "\trelease 6\r"}) {
         machine.file("/etc/redhat-release", line + "\nmore\n");
         EXPECT_TRUE(execute()) << line;
-        EXPECT_EQ(takeTrace(), dracutTrace());
+        EXPECT_EQ(takeTrace(), traceOf(R"(
+            4 CEmulexCommon::DracutExcute() [START]
+            4 CEmulexCommon::DracutExcute() [END]
+        )"));
         EXPECT_EQ(takeCommands(), (Lines{kReadRelease, kMove, kBuild})) << line;
     }
 }
@@ -481,22 +565,22 @@ TEST_F(Dracut, DoesNothingOnAnotherRelease) {
          {"Red Hat Enterprise Linux Server release 5.8 (Tikanga)", "Red Hat Enterprise Linux release 8.6 (Ootpa)",
           "release 16", "release  6", "Release 6", "6.3", " "}) {
         machine.file("/etc/redhat-release", line + "\n");
-        expectNothingDone({});
+        expectNothingDone(kNotRebuilt);
     }
 }
 
 TEST_F(Dracut, GoesByTheFirstLineAlone) {
     machine.file("/etc/redhat-release", "Linux\nrelease 6.3\n");
-    expectNothingDone({});
+    expectNothingDone(kNotRebuilt);
     machine.file("/etc/redhat-release", "\nrelease 6.3\n");
-    expectNothingDone({kNoRelease});
+    expectNothingDone(kNoRelease);
 }
 
 TEST_F(Dracut, GoesByTheFirst255CharactersOfTheLine) {
     machine.file("/etc/redhat-release", std::string(255 - 8, 'x') + "release 6\n");
-    expectNothingDone({});
+    expectNothingDone(kNotRebuilt);
     machine.file("/etc/redhat-release", std::string(10000, 'x') + "release 6\n");
-    expectNothingDone({});
+    expectNothingDone(kNotRebuilt);
     machine.file("/etc/redhat-release", std::string(255 - 9, 'x') + "release 6\n");
     EXPECT_TRUE(execute());
     EXPECT_EQ(takeCommands(), (Lines{kReadRelease, kMove, kBuild}));
@@ -504,26 +588,30 @@ TEST_F(Dracut, GoesByTheFirst255CharactersOfTheLine) {
 
 TEST_F(Dracut, TracesAnEmptyOrUnreadableReleaseAndDoesNothing) {
     machine.file("/etc/redhat-release", "");
-    expectNothingDone({kNoRelease});
+    expectNothingDone(kNoRelease);
     fs::remove("/etc/redhat-release");
-    expectNothingDone({kNoRelease});
+    expectNothingDone(kNoRelease);
     machine.directory("/etc/redhat-release");
-    expectNothingDone({kNoRelease});
+    expectNothingDone(kNoRelease);
 }
 
 TEST_F(Dracut, TracesAFailingQuestionForTheReleaseAndDoesNothing) {
     machine.program("/bin/cat", "#!/bin/sh\necho 'release 6.3'\nexit 1\n");
-    expectNothingDone({kNoRelease});
+    expectNothingDone(kNoRelease);
     machine.dropCommand("/bin/cat");
-    expectNothingDone({kNoRelease});
+    expectNothingDone(kNoRelease);
     layShell("kill -9 $$");
-    expectNothingDone({kNoRelease});
+    expectNothingDone(kNoRelease);
 }
 
 TEST_F(Dracut, FailsWhereTheImageCannotBeMoved) {
     fs::remove(kImage);
     EXPECT_FALSE(execute());
-    EXPECT_EQ(TestHost::trace(), dracutTrace({"1 mv -f command error.(0,1)"}));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DracutExcute() [START]
+        1 mv -f command error.(0,1)
+        4 CEmulexCommon::DracutExcute() [END]
+    )"));
     EXPECT_EQ(takeCommands(), (Lines{kReadRelease, kMove}));
     EXPECT_THAT(namesIn("/boot"), testing::IsEmpty());
     EXPECT_EQ(takeError(), kEarlierError);
@@ -533,7 +621,11 @@ TEST_F(Dracut, FailsWithTheExitCodeOfTheMove) {
     for (const int code : {2, 127, 255}) {
         machine.program("/bin/mv", "#!/bin/sh\nexit " + std::to_string(code) + "\n");
         EXPECT_FALSE(execute());
-        EXPECT_EQ(takeTrace(), dracutTrace({"1 mv -f command error.(0," + std::to_string(code) + ")"}));
+        EXPECT_EQ(takeTrace(), traceOf({{"code", std::to_string(code)}}, R"(
+            4 CEmulexCommon::DracutExcute() [START]
+            1 mv -f command error.(0,{code})
+            4 CEmulexCommon::DracutExcute() [END]
+        )"));
         EXPECT_EQ(takeCommands(), (Lines{kReadRelease, kMove}));
     }
     EXPECT_EQ(contentOf(kImage), "the first image\n");
@@ -543,7 +635,11 @@ TEST_F(Dracut, FailsWithTheExitCodeOfTheMove) {
 TEST_F(Dracut, FailsWhereASignalEndsTheMove) {
     layShell("case $2 in mv*) kill -9 $$ ;; esac");
     EXPECT_FALSE(execute());
-    EXPECT_EQ(TestHost::trace(), dracutTrace({"1 mv -f command error.(1,255)"}));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DracutExcute() [START]
+        1 mv -f command error.(1,255)
+        4 CEmulexCommon::DracutExcute() [END]
+    )"));
     EXPECT_EQ(takeCommands(), (Lines{kReadRelease, kMove}));
     EXPECT_EQ(contentOf(kImage), "the first image\n");
     EXPECT_EQ(takeError(), kEarlierError);
@@ -554,7 +650,11 @@ TEST_F(Dracut, LeavesTheKernelWithoutItsImageWhereTheBuildFails) {
         machine.file(kImage, "the first image\n");
         machine.program("/sbin/dracut", "#!/bin/sh\nexit " + std::to_string(code) + "\n");
         EXPECT_FALSE(execute());
-        EXPECT_EQ(takeTrace(), dracutTrace({"1 dracut command error.(0," + std::to_string(code) + ")"}));
+        EXPECT_EQ(takeTrace(), traceOf({{"code", std::to_string(code)}}, R"(
+            4 CEmulexCommon::DracutExcute() [START]
+            1 dracut command error.(0,{code})
+            4 CEmulexCommon::DracutExcute() [END]
+        )"));
         EXPECT_EQ(takeCommands(), (Lines{kReadRelease, kMove, kBuild}));
         EXPECT_EQ(namesIn("/boot"), (Lines{fs::path(kFormerImage).filename()}));
         EXPECT_EQ(contentOf(kFormerImage), "the first image\n");
@@ -565,7 +665,11 @@ TEST_F(Dracut, LeavesTheKernelWithoutItsImageWhereTheBuildFails) {
 TEST_F(Dracut, FailsWithoutTheProgram) {
     machine.dropCommand("/sbin/dracut");
     EXPECT_FALSE(execute());
-    EXPECT_EQ(TestHost::trace(), dracutTrace({"1 dracut command error.(0,127)"}));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DracutExcute() [START]
+        1 dracut command error.(0,127)
+        4 CEmulexCommon::DracutExcute() [END]
+    )"));
     EXPECT_EQ(contentOf(kFormerImage), "the first image\n");
     EXPECT_EQ(takeError(), kEarlierError);
 }
@@ -573,7 +677,11 @@ TEST_F(Dracut, FailsWithoutTheProgram) {
 TEST_F(Dracut, FailsWhereASignalEndsTheBuild) {
     layShell("case $2 in dracut*) kill -9 $$ ;; esac");
     EXPECT_FALSE(execute());
-    EXPECT_EQ(TestHost::trace(), dracutTrace({"1 dracut command error.(1,255)"}));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::DracutExcute() [START]
+        1 dracut command error.(1,255)
+        4 CEmulexCommon::DracutExcute() [END]
+    )"));
     EXPECT_EQ(takeCommands(), (Lines{kReadRelease, kMove, kBuild}));
     EXPECT_EQ(namesIn("/boot"), (Lines{fs::path(kFormerImage).filename()}));
     EXPECT_EQ(takeError(), kEarlierError);

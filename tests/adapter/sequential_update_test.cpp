@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "tests/adapter/adapter_test.h"
+#include "tests/adapter/literal_trace.h"
 
 namespace kvl::test {
 namespace {
@@ -29,24 +30,6 @@ const Mark kMarks[] = {
 const Mark& kNic = kMarks[0];
 const Mark& kFcoe = kMarks[1];
 const Mark& kIscsi = kMarks[2];
-
-Lines writeTrace(const Lines& between = {}) {
-    return Lines{"4 CEmulexCommon::SequentialUpadateFileWrite() [START]"} + between +
-           Lines{"4 CEmulexCommon::SequentialUpadateFileWrite() [END]"};
-}
-
-Lines readTrace(const Lines& between = {}) {
-    return Lines{"4 CEmulexCommon::SequentialUpadateFileRead() [START]"} + between +
-           Lines{"4 CEmulexCommon::SequentialUpadateFileRead() [END]"};
-}
-
-Lines unmarked(const Mark& mark) {
-    return {"1 Failed to open file(" + mark.path + ")."};
-}
-
-Lines undeletable(const Mark& mark) {
-    return {"16 Failed to delete File [" + mark.path + "]"};
-}
 
 /// The record of updates, with the error of an earlier operation.
 class MarkedUpdates : public AdapterTest {
@@ -94,7 +77,10 @@ TEST_F(UpdateMarking, LeavesALineWithTheKindInAFileOfItsOwn) {
         EXPECT_TRUE(write(mark.number));
         EXPECT_EQ(contentOf(mark.path), mark.text + "\n");
         EXPECT_EQ(files(), (Lines{fs::path(mark.path).filename()}));
-        EXPECT_EQ(TestHost::trace(), writeTrace());
+        EXPECT_EQ(TestHost::trace(), traceOf(R"(
+            4 CEmulexCommon::SequentialUpadateFileWrite() [START]
+            4 CEmulexCommon::SequentialUpadateFileWrite() [END]
+        )"));
         EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlierError);
         fs::remove(mark.path);
     }
@@ -118,7 +104,10 @@ TEST_F(UpdateMarking, IsNoErrorAndNoFileForAnotherKind) {
     for (const int kind : {0, 4, -1, -2, 100, INT_MAX, INT_MIN}) {
         forget();
         EXPECT_TRUE(write(kind)) << kind;
-        EXPECT_EQ(TestHost::trace(), writeTrace());
+        EXPECT_EQ(TestHost::trace(), traceOf(R"(
+            4 CEmulexCommon::SequentialUpadateFileWrite() [START]
+            4 CEmulexCommon::SequentialUpadateFileWrite() [END]
+        )"));
         EXPECT_THAT(files(), testing::IsEmpty());
     }
     fs::remove_all(kTemp);
@@ -141,7 +130,11 @@ TEST_F(UpdateMarking, FailsWithoutTheDirectory) {
     for (const Mark& mark : kMarks) {
         forget();
         EXPECT_FALSE(write(mark.number));
-        EXPECT_EQ(TestHost::trace(), writeTrace({"2 Sequential File : " + mark.path}));
+        EXPECT_EQ(TestHost::trace(), traceOf({{"path", mark.path}}, R"(
+            4 CEmulexCommon::SequentialUpadateFileWrite() [START]
+            2 Sequential File : {path}
+            4 CEmulexCommon::SequentialUpadateFileWrite() [END]
+        )"));
         EXPECT_EQ(takeError(), 17U);
     }
     EXPECT_FALSE(fs::exists(kTemp));
@@ -150,7 +143,11 @@ TEST_F(UpdateMarking, FailsWithoutTheDirectory) {
 TEST_F(UpdateMarking, FailsInADirectoryThatCannotBeWritten) {
     chmod(kTemp.c_str(), 0555);
     EXPECT_FALSE(write(1));
-    EXPECT_EQ(TestHost::trace(), writeTrace({"2 Sequential File : " + kNic.path}));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::SequentialUpadateFileWrite() [START]
+        2 Sequential File : /opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_NIC.txt
+        4 CEmulexCommon::SequentialUpadateFileWrite() [END]
+    )"));
     EXPECT_EQ(takeError(), 17U);
     EXPECT_THAT(files(), testing::IsEmpty());
 }
@@ -162,8 +159,14 @@ TEST_F(UpdateMarking, FailsForAFileThatCannotBeWritten) {
     EXPECT_EQ(contentOf(kFcoe.path), "FCoE\n");
     machine.directory(kIscsi.path);
     EXPECT_FALSE(write(3));
-    EXPECT_EQ(TestHost::trace(),
-              writeTrace({"2 Sequential File : " + kFcoe.path}) + writeTrace({"2 Sequential File : " + kIscsi.path}));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::SequentialUpadateFileWrite() [START]
+        2 Sequential File : /opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_FCoE.txt
+        4 CEmulexCommon::SequentialUpadateFileWrite() [END]
+        4 CEmulexCommon::SequentialUpadateFileWrite() [START]
+        2 Sequential File : /opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_iSCSI.txt
+        4 CEmulexCommon::SequentialUpadateFileWrite() [END]
+    )"));
     EXPECT_EQ(takeError(), 17U);
 }
 
@@ -173,7 +176,10 @@ TEST_F(UpdateMarking, TakesAWriteThatFailsForDoneWhereTheFileCanBeOpened) {
         fs::create_symlink("/dev/full", mark.path);
         forget();
         EXPECT_TRUE(write(mark.number));
-        EXPECT_EQ(TestHost::trace(), writeTrace());
+        EXPECT_EQ(TestHost::trace(), traceOf(R"(
+            4 CEmulexCommon::SequentialUpadateFileWrite() [START]
+            4 CEmulexCommon::SequentialUpadateFileWrite() [END]
+        )"));
         EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlierError);
         EXPECT_TRUE(fs::is_symlink(mark.path));
     }
@@ -201,33 +207,92 @@ TEST_F(UpdateMarking, TracesUnderTheGivenModuleName) {
 TEST_F(UpdateReading, TellsNothingAndLeavesTheCodeOfAMissingFileWithoutMarks) {
     EXPECT_TRUE(read());
     EXPECT_THAT(kinds, testing::IsEmpty());
-    EXPECT_EQ(TestHost::trace(), readTrace(unmarked(kNic) + unmarked(kFcoe) + unmarked(kIscsi)));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::SequentialUpadateFileRead() [START]
+        1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_NIC.txt).
+        1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_FCoE.txt).
+        1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_iSCSI.txt).
+        4 CEmulexCommon::SequentialUpadateFileRead() [END]
+    )"));
     EXPECT_EQ(takeError(), 17U);
     EXPECT_THAT(TestHost::deletions(), testing::IsEmpty());
     EXPECT_THAT(TestHost::sleeps(), testing::IsEmpty());
 }
 
 TEST_F(UpdateReading, TellsEachCombinationOfMarksInOneOrderAndTakesThemAway) {
-    for (unsigned int combination = 0; combination < 8; ++combination) {
-        SCOPED_TRACE(combination);
+    struct Row {
+        std::vector<Mark> marks;
+        std::string trace;
+    };
+    const Row rows[] = {
+        {{},
+         R"(
+            4 CEmulexCommon::SequentialUpadateFileRead() [START]
+            1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_NIC.txt).
+            1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_FCoE.txt).
+            1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_iSCSI.txt).
+            4 CEmulexCommon::SequentialUpadateFileRead() [END]
+        )"},
+        {{kNic},
+         R"(
+            4 CEmulexCommon::SequentialUpadateFileRead() [START]
+            1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_FCoE.txt).
+            1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_iSCSI.txt).
+            4 CEmulexCommon::SequentialUpadateFileRead() [END]
+        )"},
+        {{kFcoe},
+         R"(
+            4 CEmulexCommon::SequentialUpadateFileRead() [START]
+            1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_NIC.txt).
+            1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_iSCSI.txt).
+            4 CEmulexCommon::SequentialUpadateFileRead() [END]
+        )"},
+        {{kNic, kFcoe},
+         R"(
+            4 CEmulexCommon::SequentialUpadateFileRead() [START]
+            1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_iSCSI.txt).
+            4 CEmulexCommon::SequentialUpadateFileRead() [END]
+        )"},
+        {{kIscsi},
+         R"(
+            4 CEmulexCommon::SequentialUpadateFileRead() [START]
+            1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_NIC.txt).
+            1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_FCoE.txt).
+            4 CEmulexCommon::SequentialUpadateFileRead() [END]
+        )"},
+        {{kNic, kIscsi},
+         R"(
+            4 CEmulexCommon::SequentialUpadateFileRead() [START]
+            1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_FCoE.txt).
+            4 CEmulexCommon::SequentialUpadateFileRead() [END]
+        )"},
+        {{kFcoe, kIscsi},
+         R"(
+            4 CEmulexCommon::SequentialUpadateFileRead() [START]
+            1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_NIC.txt).
+            4 CEmulexCommon::SequentialUpadateFileRead() [END]
+        )"},
+        {{kNic, kFcoe, kIscsi},
+         R"(
+            4 CEmulexCommon::SequentialUpadateFileRead() [START]
+            4 CEmulexCommon::SequentialUpadateFileRead() [END]
+        )"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.trace);
         Kinds expected;
-        Lines missing;
         Lines deleted;
-        for (std::size_t place = 0; place < 3; ++place) {
-            if ((combination >> place & 1U) != 0) {
-                expected.push_back(kMarks[place].text);
-                deleted.push_back(kMarks[place].path);
-                EXPECT_TRUE(write(kMarks[place].number));
-            } else {
-                missing = missing + unmarked(kMarks[place]);
-            }
+        for (const Mark& mark : row.marks) {
+            expected.push_back(mark.text);
+            deleted.push_back(mark.path);
+            EXPECT_TRUE(write(mark.number));
         }
         forget();
         CEmulexCommon::SetLastError(kEarlierError);
         EXPECT_TRUE(read());
         EXPECT_EQ(kinds, expected);
-        EXPECT_EQ(TestHost::trace(), readTrace(missing));
-        EXPECT_EQ(takeError(), combination == 7 ? kEarlierError : 17U);
+        EXPECT_EQ(TestHost::trace(), traceOf(row.trace));
+        EXPECT_EQ(takeError(), row.marks.size() == 3 ? kEarlierError : 17U);
         EXPECT_EQ(TestHost::deletions(), deleted);
         EXPECT_THAT(files(), testing::IsEmpty());
         EXPECT_THAT(TestHost::sleeps(), testing::IsEmpty());
@@ -255,7 +320,13 @@ TEST_F(UpdateReading, TellsNothingTheSecondTime) {
     forget();
     EXPECT_TRUE(read());
     EXPECT_THAT(kinds, testing::IsEmpty());
-    EXPECT_EQ(TestHost::trace(), readTrace(unmarked(kNic) + unmarked(kFcoe) + unmarked(kIscsi)));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::SequentialUpadateFileRead() [START]
+        1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_NIC.txt).
+        1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_FCoE.txt).
+        1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_iSCSI.txt).
+        4 CEmulexCommon::SequentialUpadateFileRead() [END]
+    )"));
 }
 
 TEST_F(UpdateReading, TellsWhatIsMarkedAnew) {
@@ -290,7 +361,12 @@ TEST_F(UpdateReading, TakesAFileThatCannotBeReadForUnmarkedAndLeavesIt) {
     forget();
     EXPECT_TRUE(read());
     EXPECT_EQ(kinds, (Kinds{"FCoE"}));
-    EXPECT_EQ(TestHost::trace(), readTrace(unmarked(kNic) + unmarked(kIscsi)));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::SequentialUpadateFileRead() [START]
+        1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_NIC.txt).
+        1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_iSCSI.txt).
+        4 CEmulexCommon::SequentialUpadateFileRead() [END]
+    )"));
     EXPECT_EQ(takeError(), 17U);
     EXPECT_EQ(TestHost::deletions(), (Lines{kFcoe.path}));
     EXPECT_EQ(files(), (Lines{"SequentialUpdateFile_NIC.txt"}));
@@ -319,7 +395,11 @@ TEST_F(UpdateReading, FailsAtTheFirstMarkThatStaysWithAllKindsTold) {
         forget();
         EXPECT_FALSE(read());
         EXPECT_EQ(kinds, (Kinds{"NIC", "FCoE", "iSCSI"}));
-        EXPECT_EQ(TestHost::trace(), readTrace(undeletable(kMarks[stuck])));
+        EXPECT_EQ(TestHost::trace(), traceOf({{"path", kMarks[stuck].path}}, R"(
+            4 CEmulexCommon::SequentialUpadateFileRead() [START]
+            16 Failed to delete File [{path}]
+            4 CEmulexCommon::SequentialUpadateFileRead() [END]
+        )"));
         EXPECT_EQ(CEmulexCommon::GetLastError(), kEarlierError);
         EXPECT_EQ(TestHost::sleeps(), kAllPauses);
         Lines attempts(5, kMarks[stuck].path);
@@ -338,7 +418,13 @@ TEST_F(UpdateReading, KeepsTheCodeOfAnUnmarkedKindWhereItFails) {
     machine.directory(kFcoe.path);
     EXPECT_FALSE(read());
     EXPECT_EQ(kinds, (Kinds{"FCoE"}));
-    EXPECT_EQ(TestHost::trace(), readTrace(unmarked(kNic) + unmarked(kIscsi) + undeletable(kFcoe)));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::SequentialUpadateFileRead() [START]
+        1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_NIC.txt).
+        1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_iSCSI.txt).
+        16 Failed to delete File [/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_FCoE.txt]
+        4 CEmulexCommon::SequentialUpadateFileRead() [END]
+    )"));
     EXPECT_EQ(takeError(), 17U);
     EXPECT_EQ(TestHost::sleeps(), kAllPauses);
 }
@@ -350,12 +436,19 @@ TEST_F(UpdateReading, TellsTheMarksOfAFailedReadAgain) {
     chmod(kTemp.c_str(), 0555);
     forget();
     EXPECT_FALSE(read());
-    EXPECT_EQ(TestHost::trace(), readTrace(undeletable(kNic)));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::SequentialUpadateFileRead() [START]
+        16 Failed to delete File [/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_NIC.txt]
+        4 CEmulexCommon::SequentialUpadateFileRead() [END]
+    )"));
     chmod(kTemp.c_str(), 0755);
     forget();
     EXPECT_TRUE(read());
     EXPECT_EQ(kinds, (Kinds{"NIC", "FCoE", "iSCSI"}));
-    EXPECT_EQ(TestHost::trace(), readTrace());
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::SequentialUpadateFileRead() [START]
+        4 CEmulexCommon::SequentialUpadateFileRead() [END]
+    )"));
     EXPECT_THAT(files(), testing::IsEmpty());
 }
 
@@ -372,7 +465,11 @@ TEST_F(UpdateReading, WaitsForAMarkThatCanBeDeletedLater) {
     EXPECT_TRUE(read());
     EXPECT_EQ(kinds, (Kinds{"NIC", "iSCSI"}));
     EXPECT_EQ(TestHost::sleeps(), (std::vector<unsigned long>{1000, 6000}));
-    EXPECT_EQ(TestHost::trace(), readTrace(unmarked(kFcoe)));
+    EXPECT_EQ(TestHost::trace(), traceOf(R"(
+        4 CEmulexCommon::SequentialUpadateFileRead() [START]
+        1 Failed to open file(/opt/tarvenn/kvl/tmp/EMULEX/temp/SequentialUpdateFile_FCoE.txt).
+        4 CEmulexCommon::SequentialUpadateFileRead() [END]
+    )"));
     EXPECT_THAT(files(), testing::IsEmpty());
 }
 

@@ -126,6 +126,15 @@ machines::PrivateRootOptions rootWithKvl(const std::string& recording) {
     return options;
 }
 
+std::string lockFileInside() {
+    return geteuid() == 0 ? "/run/kvl/lock" : "/tmp/kvl-" + std::to_string(geteuid()) + "/lock";
+}
+
+std::string lockingInside() {
+    const std::string directory = fs::path(lockFileInside()).parent_path().string();
+    return "mkdir -p " + directory + "; chmod 700 " + directory + "; /usr/bin/flock " + lockFileInside() + " ";
+}
+
 std::string copyRecording(const std::string& machine, const ScratchDirectory& scratch) {
     const std::string copy = scratch / machine;
     fs::copy(fs::path(KVL_MACHINES_FOLDER) / machine, copy, fs::copy_options::recursive);

@@ -39,6 +39,13 @@ std::string runOnTerminalInside(const machines::PrivateRootOptions& options, con
 /// A private root in which kvl can be run on a recorded server.
 machines::PrivateRootOptions rootWithKvl(const std::string& recording);
 
+/// The file that kvl locks in a private root.
+std::string lockFileInside();
+
+/// A line for the shell that makes the directory of that file, as kvl does, and a program that locks the file while it
+/// runs the words after it.
+std::string lockingInside();
+
 /// Copies a shipped recording into a directory, for a test that changes it. @return the copy
 std::string copyRecording(const std::string& machine, const ScratchDirectory& scratch);
 

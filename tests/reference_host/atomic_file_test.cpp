@@ -79,6 +79,31 @@ TEST_F(AtomicFileTest, GivesANewFileThePermissionsThatTheUmaskLeaves) {
     EXPECT_EQ(kvl::test::permissionsOf(target_), 0640U);
 }
 
+TEST_F(AtomicFileTest, KeepsThePermissionsOfTheFileThatItReplaces) {
+    for (const mode_t mode : {0644U, 0600U, 0664U}) {
+        lay(target_, "old");
+        ASSERT_EQ(::chmod(target_.c_str(), mode), 0);
+        const mode_t before = ::umask(077);
+        EXPECT_TRUE(replace(target_, "new"));
+        ::umask(before);
+        EXPECT_EQ(kvl::test::permissionsOf(target_), mode);
+        EXPECT_EQ(contentOf(target_), "new");
+    }
+}
+
+TEST_F(AtomicFileTest, KeepsTheOwnerOfTheFileThatItReplaces) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can give files away";
+    }
+    lay(target_, "old");
+    ASSERT_EQ(::chown(target_.c_str(), 65534, 65533), 0);
+    EXPECT_TRUE(replace(target_, "new"));
+    struct stat status {};
+    ASSERT_EQ(::stat(target_.c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 65534U);
+    EXPECT_EQ(status.st_gid, 65533U);
+}
+
 TEST_F(AtomicFileTest, SetsPermissionsWhateverTheUmask) {
     AtomicFile file(target_, 0600);
     EXPECT_TRUE(file.setPermissions(0777));

@@ -450,7 +450,7 @@ TEST(AdapterCommands, TakeTurnsWithOtherCollections) {
     options.binds.push_back({"/usr/bin/flock"});
     const std::string program = KVL_PROGRAM;
     const Outcome outcome = kvl::test::runInside(
-        options, "locked() { /usr/bin/flock /tmp/kvl.lock " + program +
+        options, "locked() { " + kvl::test::lockingInside() + program +
                      " \"$@\" --wait 0 2>/dev/null; echo $?; }\n"
                      "locked adapters; locked adapter-info 02:00.0; locked version 02:00.0 --kind boot\n"
                      "locked driver-check lpfc 1; locked boot-image");

@@ -315,6 +315,15 @@ TEST(AdapterTree, IsRefusedWhereOthersCanWrite) {
         outcome.errors);
 }
 
+TEST(AdapterTree, IsRefusedBelowADirectoryThatOthersCanChange) {
+    const Outcome outcome = runOnServer("kvl adapters >/dev/null; chmod 777 /opt/tarvenn/kvl/tmp; run kvl adapters");
+    EXPECT_EQ("ended with 3\n", outcome.output);
+    EXPECT_EQ(
+        "kvl: the adapters' directory /opt/tarvenn/kvl/tmp/EMULEX lies in /opt/tarvenn/kvl/tmp, where other users can "
+        "write: 'chmod go-w /opt/tarvenn/kvl/tmp'\n",
+        outcome.errors);
+}
+
 /// Becomes a user to whom the directory of the installation is closed, and tells what comes of that.
 [[noreturn]] void makeTreeAsOrdinaryUser(const std::string& installation) {
     constexpr uid_t kNobody = 65534;

@@ -435,11 +435,12 @@ TEST(DryRun, WorksBesideAnotherKvlAndWithoutATerminal) {
 }
 
 TEST(FirmwareUpdate, IsRefusedAtOnceWhileAnotherKvlWorks) {
-    const Outcome outcome = updateOnServer(
-        "work_beside; process=$(cat /tmp/kvl.lock)\n"
-        "firmware 15:00.0 fcelx_8g2p 2>&1 | sed \"s/process $process)/process N)/\"\n"
-        "tool_update tool 2>&1 | sed \"s/process $process)/process N)/\"\n"
-        "release; versions 14; ls $tree/temp; firmware 15:00.0 fcelx_8g2p --quiet | tail -n 1");
+    const Outcome outcome =
+        updateOnServer("work_beside; process=$(cat " + kvl::test::lockFileInside() +
+                       ")\n"
+                       "firmware 15:00.0 fcelx_8g2p 2>&1 | sed \"s/process $process)/process N)/\"\n"
+                       "tool_update tool 2>&1 | sed \"s/process $process)/process N)/\"\n"
+                       "release; versions 14; ls $tree/temp; firmware 15:00.0 fcelx_8g2p --quiet | tail -n 1");
     const std::string once =
         "kvl: another kvl (process N) still works on this machine: try again when it has ended, or wait longer with "
         "--wait SECONDS\nended with 1\n";

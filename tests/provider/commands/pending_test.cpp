@@ -178,7 +178,7 @@ TEST(Pending, TakesTurnsWithOtherRunsWhereItChangesSomething) {
     auto options = kvl::test::rootWithKvl(std::string(KVL_MACHINES_FOLDER) + "/adapters-mixed");
     options.binds.push_back({"/usr/bin/flock"});
     const std::string program = KVL_PROGRAM;
-    const Outcome outcome = kvl::test::runInside(options, "locked() { /usr/bin/flock /tmp/kvl.lock " + program +
+    const Outcome outcome = kvl::test::runInside(options, "locked() { " + kvl::test::lockingInside() + program +
                                                               " pending --wait 0 \"$@\" 2>/dev/null; echo $?; "
                                                               "}\nlocked --add nic; locked --take; locked");
     EXPECT_EQ("3\n3\nnothing is pending\n0\n", outcome.output);

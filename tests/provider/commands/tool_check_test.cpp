@@ -193,7 +193,7 @@ TEST(ToolCheck, TakesTurnsWithOtherRuns) {
     auto options = kvl::test::rootWithKvl(std::string(KVL_MACHINES_FOLDER) + "/adapters-mixed");
     options.binds.push_back({"/usr/bin/flock"});
     const Outcome outcome = kvl::test::runInside(
-        options, "/usr/bin/flock /tmp/kvl.lock " + std::string(KVL_PROGRAM) + " tool-check --wait 0; echo $?");
+        options, kvl::test::lockingInside() + std::string(KVL_PROGRAM) + " tool-check --wait 0; echo $?");
     EXPECT_EQ("3\n", outcome.output);
     EXPECT_THAT(outcome.errors, HasSubstr("still works on this machine"));
 }

@@ -744,9 +744,10 @@ TEST(SignalBeforeAnUpdate, EndsItWithNothingChanged) {
 }
 
 TEST(BrokenOutput, DoesNotBreakTheUpdateOff) {
-    const Outcome outcome = updateOnServer(
-        "{ { firmware 02:00.0 OCe11102 2>&1; } | head -n 1; } ; while [ -s /tmp/kvl.lock ]; do sleep 0.001; done\n"
-        "versions 01; ended | tail -n 1 | cut -c 1-30");
+    const Outcome outcome = updateOnServer("{ { firmware 02:00.0 OCe11102 2>&1; } | head -n 1; } ; while [ -s " +
+                                           kvl::test::lockFileInside() +
+                                           " ]; do sleep 0.001; done\n"
+                                           "versions 01; ended | tail -n 1 | cut -c 1-30");
     EXPECT_EQ("Update with OCe11102\n4.9.416.0 4.6.247.5\n[cna] MSGID_KVL_UPDATE_DONE_I:\n", outcome.output);
 }
 

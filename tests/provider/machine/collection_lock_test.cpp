@@ -22,6 +22,7 @@ using kvl::provider::CollectionLock;
 using kvl::provider::ProviderError;
 using kvl::test::readFile;
 using kvl::test::ScratchDirectory;
+using testing::AnyOf;
 using testing::HasSubstr;
 
 /// Counts what a lock tells while it waits.
@@ -160,15 +161,32 @@ TEST(CollectionLock, IsFreeWhenItsHolderWasKilled) {
     EXPECT_EQ("taken", refusal(scratch / "lock"));
 }
 
-TEST(CollectionLock, MakesAFileThatEverybodyCanLock) {
+TEST(CollectionLock, LiesWhereNobodyElseCanHoldIt) {
     const ScratchDirectory scratch;
-    const mode_t before = umask(077);
+    const mode_t before = umask(0);
     RecordedWaiting recorded;
-    CollectionLock::take(scratch / "lock", 0, recorded.waiting());
+    CollectionLock::take(scratch / "kvl/lock", 0, recorded.waiting());
     umask(before);
     struct stat status {};
-    ASSERT_EQ(0, stat((scratch / "lock").c_str(), &status));
-    EXPECT_EQ(0644U, status.st_mode & 07777U);
+    ASSERT_EQ(0, stat((scratch / "kvl").c_str(), &status));
+    EXPECT_EQ(0700U, status.st_mode & 07777U);
+    ASSERT_EQ(0, stat((scratch / "kvl/lock").c_str(), &status));
+    EXPECT_EQ(0600U, status.st_mode & 07777U);
+    const std::string file = kvl::provider::collectionLockFile();
+    const std::string ofUser = std::to_string(geteuid());
+    EXPECT_THAT(file, AnyOf("/run/kvl/lock", "/run/user/" + ofUser + "/kvl/lock", "/tmp/kvl-" + ofUser + "/lock"));
+}
+
+TEST(CollectionLock, IsRefusedWhereAnotherUserHasPutSomethingInItsPlace) {
+    const ScratchDirectory scratch;
+    scratch.write("kvl", "");
+    EXPECT_EQ("the lock directory " + (scratch / "kvl") + " is no directory: remove it, and kvl makes one",
+              refusal(scratch / "kvl/lock"));
+    std::filesystem::create_directory(scratch / "open");
+    std::filesystem::permissions(scratch / "open", std::filesystem::perms::all);
+    EXPECT_THAT(refusal(scratch / "open/lock"), HasSubstr("is open to other users"));
+    std::filesystem::create_directory_symlink(scratch / "open", scratch / "link");
+    EXPECT_THAT(refusal(scratch / "link/lock"), HasSubstr("is a link"));
 }
 
 TEST(CollectionLock, FollowsNoLinkAndTakesNothingButARegularFile) {

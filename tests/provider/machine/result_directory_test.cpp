@@ -84,6 +84,33 @@ TEST(ResultDirectory, IsRefusedWhenItBelongsToAnother) {
     EXPECT_THAT(refusal(scratch / "tmp"), HasSubstr("belongs to another user (65534)"));
 }
 
+TEST(ResultDirectory, IsRefusedBelowADirectoryThatOthersCanChange) {
+    const ScratchDirectory scratch;
+    fs::create_directories(scratch / "open/safe");
+    fs::permissions(scratch / "open", fs::perms::all);
+    EXPECT_EQ("the result directory " + (scratch / "open/safe/tmp") + " lies in " + (scratch / "open") +
+                  ", where other users can write: 'chmod go-w " + (scratch / "open") + "'",
+              refusal(scratch / "open/safe/tmp"));
+    EXPECT_FALSE(fs::exists(scratch / "open/safe/tmp")) << "nothing is made there";
+    fs::create_directory_symlink(scratch / "open", scratch / "link");
+    EXPECT_THAT(refusal(scratch / "link/safe/tmp"), HasSubstr("lies in " + fs::canonical(scratch / "open").string()));
+    fs::permissions(scratch / "open", fs::perms::all | fs::perms::sticky_bit);
+    EXPECT_EQ("accepted", refusal(scratch / "open/safe/tmp"));
+}
+
+TEST(ResultDirectory, IsRefusedBelowADirectoryOfAnotherUser) {
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can give directories away";
+    }
+    const ScratchDirectory scratch;
+    fs::create_directories(scratch / "theirs/product");
+    ASSERT_EQ(0, chown((scratch / "theirs").c_str(), 65534, 65534));
+    EXPECT_EQ("the result directory " + (scratch / "theirs/product/tmp") + " lies in " + (scratch / "theirs") +
+                  ", which belongs to another user (65534): as root, 'chown -h root " + (scratch / "theirs") +
+                  "', or move it",
+              refusal(scratch / "theirs/product/tmp"));
+}
+
 TEST(ProviderEnvironment, IsTheOneThatTheCommandsNeed) {
     const pid_t child = fork();
     if (child == 0) {
