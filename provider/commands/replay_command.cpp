@@ -9,6 +9,7 @@
 #include "machines/replay.h"
 #include "provider/commands/commands.h"
 #include "provider/commands/options.h"
+#include "provider/commands/report_options.h"
 #include "provider/provider_error.h"
 
 namespace kvl::provider {
@@ -21,13 +22,7 @@ constexpr const char* kHelp =
     "  kvl replay ./my-server -- report --format xml > report.xml\n"
     "  kvl replay one-port --root ./root -- report -o /root/report.txt\n"
     "\n"
-    "The exit code is that of the command:\n"
-    "Exit codes:\n"
-    "  0  report written\n"
-    "  1  report written, but something could not be collected (named on standard error)\n"
-    "  2  wrong usage\n"
-    "  3  no report: nothing could be collected, the report could not be written, or the run was\n"
-    "     refused; the reason stands on standard error\n";
+    "The exit code is that of the command:\n";
 
 // What a run with sanitizers is told by its caller.
 constexpr const char* kPassedVariables[] = {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"};
@@ -120,7 +115,8 @@ void checkCommand(const ReplayOptions& options) {
 }  // namespace
 
 void addReplayCommand(CLI::App& program, Request& request) {
-    CLI::App& command = addCommand(program, "replay", "Run a command on a recorded server", kHelp);
+    CLI::App& command =
+        addCommand(program, "replay", "Run a command on a recorded server", std::string(kHelp) + kReportExitHelp);
     const auto options = std::make_shared<ReplayOptions>();
     addText(
         command, "machine", [options](const std::string& given) { options->machine = given; },

@@ -24,19 +24,7 @@ constexpr const char* kHelp =
     "  kvl report\n"
     "  kvl report --vendor 8086 --vendor 14e4 --section physical,team\n"
     "  kvl report --skip offload,coalesce --format xml -o /var/tmp/lan.xml\n"
-    "\n"
-    "Exit codes:\n"
-    "  0  report written\n"
-    "  1  report written, but something could not be collected (named on standard error)\n"
-    "  2  wrong usage\n"
-    "  3  no report: nothing could be collected, the report could not be written, or the run was\n"
-    "     refused; the reason stands on standard error\n";
-
-enum ReportExit : int {
-    kReportWritten = 0,
-    kReportIncomplete = 1,  ///< Something could not be collected: named on standard error.
-    kNoReport = 3,          ///< Nothing could be collected or written, or the run was refused.
-};
+    "\n";
 
 [[noreturn]] void refuse(const ReportOptions& options, const CommandFollower& commands, const std::string& sentence) {
     const bool mayHelp = options.legacyCommands == LegacyCommands::kNever && commands.command() == "/sbin/ifconfig -a";
@@ -112,7 +100,8 @@ int report(const ReportOptions& options, const Arguments& arguments) {
 }  // namespace
 
 void addReportCommand(CLI::App& program, Request& request) {
-    CLI::App& command = addCommand(program, "report", "Report the LAN configuration of this machine", kHelp);
+    CLI::App& command = addCommand(program, "report", "Report the LAN configuration of this machine",
+                                   std::string(kHelp) + kReportExitHelp);
     const auto options = std::make_shared<ReportOptions>();
     addReportOptions(command, *options);
     whenChosen(command, [options, &request] {

@@ -12,6 +12,22 @@ class App;
 
 namespace kvl::provider {
 
+/// How `kvl report` ends.
+enum ReportExit : int {
+    kReportWritten = 0,
+    kReportIncomplete = 1,  ///< Something could not be collected: named on standard error.
+    kNoReport = 3,          ///< Nothing could be collected or written, or the run was refused.
+};
+
+/// The same for the help texts.
+constexpr const char* kReportExitHelp =
+    "Exit codes:\n"
+    "  0  report written\n"
+    "  1  report written, but something could not be collected (named on standard error)\n"
+    "  2  wrong usage\n"
+    "  3  no report: nothing could be collected, the report could not be written, or the run was\n"
+    "     refused; the reason stands on standard error\n";
+
 enum class Format { kText, kXml };
 enum class LegacyCommands { kAuto, kNever };
 

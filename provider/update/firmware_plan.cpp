@@ -56,23 +56,12 @@ std::string installedTool(const std::string& family) {
 
 Steps FirmwarePlan::steps() const {
     const auto download = [this](const std::string& file) { return downloadCommand(tool, address, scratch, file); };
-    Steps steps = {
-        {{"delete " + scratch + " and make it anew"},
-         TraceEvent::kFolderDeletion,
-         "making " + scratch + " anew",
-         Change::kNothing,
-         ""},
-        {{"unzip -o \"" + archivePath() + "\" -d \"" + scratch + "\""},
-         TraceEvent::kUnpacking,
-         "unpacking " + module.archive,
-         Change::kNothing,
-         ""},
-        {{"find the adapter in hbacmd's list"},
-         TraceEvent::kAdapterLookup,
-         "finding the adapter",
-         Change::kNothing,
-         ""},
-    };
+    Steps steps = unpackingSteps(module, scratch);
+    steps.push_back({{"find the adapter in hbacmd's list"},
+                     TraceEvent::kAdapterLookup,
+                     "finding the adapter",
+                     Change::kNothing,
+                     ""});
     if (!bootCode.empty()) {
         steps.push_back({{"boot code: " + download(bootCode)},
                          TraceEvent::kUpdaterStart,

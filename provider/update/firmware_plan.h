@@ -37,7 +37,6 @@ struct FirmwarePlan {
 
     std::string resultDirectory() const { return workDirectory + "/firm"; }
     std::string resultFile() const { return resultDirectory() + "/temp_hbacmd_Download.txt"; }
-    std::string archivePath() const { return module.directory + "/" + module.archive; }
 
     /// What will be done, in its order.
     Steps steps() const;

@@ -46,7 +46,7 @@ Plan FirmwareUpdate::plan() const {
     plan.title = "Update with " + plan_.uniqueName;
     plan.facts = {
         "adapter   " + plan_.device + ", " + plan_.address + ", family " + plan_.family,
-        "module    " + plan_.archivePath() + ": " + plan_.firmware +
+        "module    " + plan_.module.archivePath() + ": " + plan_.firmware +
             (plan_.bootCode.empty() ? "" : " and " + plan_.bootCode),
         std::string("judged    ") + (plan_.isJudgedByMessages
                                          ? "by the texts of message.txt; up to 150 s are waited for an end text"

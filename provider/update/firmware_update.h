@@ -33,7 +33,7 @@ public:
     void readState() override { before_ = readVersions(); }
     Plan plan() const override;
     std::string question() const override { return "Update it now?"; }
-    std::string source() const override { return plan_.uniqueName + " from " + plan_.archivePath(); }
+    std::string source() const override { return plan_.uniqueName + " from " + plan_.module.archivePath(); }
     Ending carryOut(Execution& execution) override;
     std::vector<std::string> conclude(const Ending& ending) override;
 

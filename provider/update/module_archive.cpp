@@ -100,7 +100,7 @@ void readThrough(zip_t* archive, zip_uint64_t index, const std::string& name) {
 }
 
 void readArchive(UpdateModule& module) {
-    const Archive archive = openArchive(module.directory + "/" + module.archive);
+    const Archive archive = openArchive(module.archivePath());
     const zip_int64_t count = zip_get_num_entries(archive.get(), 0);
     if (count <= 0) {
         refuse(module.archive + " is empty");
@@ -137,6 +137,19 @@ std::vector<std::string> topEntries(const UpdateModule& module, const char* patt
         return fnmatch(pattern, name.c_str(), FNM_PATHNAME | FNM_NOESCAPE) == 0;
     });
     return found;
+}
+
+Steps unpackingSteps(const UpdateModule& module, const std::string& scratch) {
+    return {{{"delete " + scratch + " and make it anew"},
+             TraceEvent::kFolderDeletion,
+             "making " + scratch + " anew",
+             Change::kNothing,
+             ""},
+            {{"unzip -o \"" + module.archivePath() + "\" -d \"" + scratch + "\""},
+             TraceEvent::kUnpacking,
+             "unpacking " + module.archive,
+             Change::kNothing,
+             ""}};
 }
 
 bool holdsEntry(const UpdateModule& module, const std::string& path) {

@@ -79,37 +79,28 @@ InstalledTool ToolUpdate::readTool() const {
 }
 
 Steps ToolUpdate::steps() const {
-    const std::string unpacked = tree_.temporary("tmp");
-    Steps steps = {
-        {{"delete " + unpacked + " and make it anew"},
-         TraceEvent::kFolderDeletion,
-         "making " + unpacked + " anew",
-         Change::kNothing,
-         ""},
-        {{"unzip -o \"" + source() + "\" -d \"" + unpacked + "\""},
-         TraceEvent::kUnpacking,
-         "unpacking " + module_.archive,
-         Change::kNothing,
-         ""},
-        {{"chmod 777 " + directory_ + "/*"}, TraceEvent::kScriptSearch, "finding the scripts", Change::kNothing, ""},
-        {{directory_ + "/uninstall.sh"},
-         TraceEvent::kUpdaterStart,
-         "removing the installed tool with uninstall.sh",
-         Change::kInstalledTool,
-         tree_.temporary("temp_ocm_uninstall.txt")},
-        {{directory_ + "/install.sh -q"},
-         TraceEvent::kUpdaterStart,
-         "installing the new tool with install.sh -q",
-         Change::kNewTool,
-         installOutput()},
-    };
+    Steps steps;
     if (request_.again) {
-        steps.insert(steps.begin(), {{"delete " + installOutput() + ", which would keep the update from being tried"},
-                                     TraceEvent::kNone,
-                                     "",
-                                     Change::kNothing,
-                                     ""});
+        steps.push_back({{"delete " + installOutput() + ", which would keep the update from being tried"},
+                         TraceEvent::kNone,
+                         "",
+                         Change::kNothing,
+                         ""});
     }
+    const Steps unpacking = unpackingSteps(module_, tree_.temporary("tmp"));
+    steps.insert(steps.end(), unpacking.begin(), unpacking.end());
+    steps.push_back(
+        {{"chmod 777 " + directory_ + "/*"}, TraceEvent::kScriptSearch, "finding the scripts", Change::kNothing, ""});
+    steps.push_back({{directory_ + "/uninstall.sh"},
+                     TraceEvent::kUpdaterStart,
+                     "removing the installed tool with uninstall.sh",
+                     Change::kInstalledTool,
+                     tree_.temporary("temp_ocm_uninstall.txt")});
+    steps.push_back({{directory_ + "/install.sh -q"},
+                     TraceEvent::kUpdaterStart,
+                     "installing the new tool with install.sh -q",
+                     Change::kNewTool,
+                     installOutput()});
     return steps;
 }
 

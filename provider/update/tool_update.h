@@ -40,7 +40,7 @@ public:
     void readState() override { before_ = readTool(); }
     Plan plan() const override;
     std::string question() const override { return "Update the tool now?"; }
-    std::string source() const override { return module_.directory + "/" + module_.archive; }
+    std::string source() const override { return module_.archivePath(); }
     void prepare() override;
     Ending carryOut(Execution& execution) override;
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
 #include <ostream>
 
 #include "tests/provider/update/update_server.h"
@@ -421,6 +422,33 @@ TEST(DryRun, OfAFirmwareUpdateChangesNothing) {
                 EndsWith("kvl: the update module lacks the expected file or holds too many, or its family is unknown: "
                          "module.zip holds several "
                          "firmware files (*.all) (error 1d): see whether the module is for this family of adapters\n"));
+}
+
+TEST(DryRun, IsDescribedForPrograms) {
+    const Outcome outcome = updateOnServer(
+        "kvl update firmware 02:00.0 --module /modules/OCe11102 --unique-name OCe11102 --dry-run --format json");
+    EXPECT_EQ(nlohmann::json::parse(R"({
+        "result": "planned",
+        "plan": {
+            "title": "Update with OCe11102",
+            "facts": [
+                "adapter   02:00.0, 00-90-fa-3c-10-20, family cna",
+                "module    /modules/OCe11102/module.zip: firmware.ufi",
+                "judged    by the texts of message.txt; up to 150 s are waited for an end text"
+            ],
+            "steps": [
+                "delete /opt/tarvenn/kvl/tmp/EMULEX/temp/CNA/unpacked and make it anew",
+                "unzip -o \"/modules/OCe11102/module.zip\" -d \"/opt/tarvenn/kvl/tmp/EMULEX/temp/CNA/unpacked\"",
+                "find the adapter in hbacmd's list",
+                "firmware: \"/usr/sbin/ocmanager/hbacmd\" Download 00-90-fa-3c-10-20 \"/opt/tarvenn/kvl/tmp/EMULEX/temp/CNA/unpacked/firmware.ufi\"",
+                "delete /opt/tarvenn/kvl/tmp/EMULEX/temp/CNA/unpacked"
+            ]
+        },
+        "done": [],
+        "messages": []
+    })"),
+              nlohmann::json::parse(outcome.output));
+    EXPECT_EQ("", outcome.errors);
 }
 
 TEST(DryRun, WorksBesideAnotherKvlAndWithoutATerminal) {

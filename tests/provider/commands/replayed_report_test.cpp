@@ -97,6 +97,15 @@ TEST(ReplayedReport, HasTheChosenSectionsInTheirOrder) {
     EXPECT_THAT(outcome.output, AllOf(Not(HasSubstr("Port ")), Not(HasSubstr("Team "))));
 }
 
+TEST(ReplayedReport, ThatCantBePrintedIsNone) {
+    const Outcome outcome = runOutside(quoted({KVL_PROGRAM, "replay", "one-port", "--", "report"}) + " >/dev/full");
+    EXPECT_EQ(3, outcome.status);
+    EXPECT_EQ(
+        "kvl: the report could not be written to standard output: see whether it can be written and there is room for "
+        "it\n",
+        outcome.errors);
+}
+
 TEST(KeptRoot, IsADirectoryOfItsOwn) {
     const ScratchDirectory scratch;
     scratch.write("mine/file", "mine");

@@ -496,6 +496,16 @@ TEST(Cache, WithoutRoomLeavesTheVersionsUnknown) {
         outcome.output);
 }
 
+TEST(LingeringProcess, KeepsOthersAwayWhereItsUpdateHasFailed) {
+    const Outcome outcome = updateOnServer(
+        "during Download 'while [ ! -f /tmp/released ]; do sleep 0.001; done & exit 1'\n"
+        "firmware 02:00.0 OCe11102 --quiet 2>/dev/null | tail -n 1; run kvl adapters --wait 0 2>&1; release");
+    EXPECT_EQ(
+        "ended with 1\nkvl: another kvl, or a command that one has left behind, still works on this machine: try again "
+        "when it has ended, or wait longer with --wait SECONDS\nended with 3\n",
+        outcome.output);
+}
+
 TEST(LingeringProcess, KeepsNobodyAwayOnceItsUpdateHasEnded) {
     const Outcome outcome = updateOnServer(
         "during Download '{ while [ ! -f /tmp/released ]; do sleep 0.001; done; } &'\n"
