@@ -1,0 +1,46 @@
+#include "provider/machine/translation/translations.h"
+
+#include "provider/machine/translation/line_ends.h"
+#include "provider/machine/translation/text_lines.h"
+
+namespace kvl::provider {
+namespace {
+
+constexpr const char* kCat = "/bin/cat ";
+
+/// @return true if the row's command is the line's, or the beginning of it: whole words of a command line, and a whole
+///         path or a folder or prefix, which end in "/" or "-"
+bool fits(const Translation& row, const std::string& commandOrFile) {
+    const std::string command = row.command;
+    if (!startsWith(commandOrFile, command)) {
+        return false;
+    }
+    const bool isPrefix = command.empty() || command.back() == '/' || (command.back() == '-' && command[0] == '/');
+    return isPrefix || commandOrFile.size() == command.size() || commandOrFile[command.size()] == ' ';
+}
+
+}  // namespace
+
+const std::vector<Translation>& translations() {
+    static const std::vector<Translation> rows = {
+        {"", withoutCarriageReturns, "carriage returns at line ends dropped"},
+    };
+    return rows;
+}
+
+const Translation& findTranslation(const std::string& commandOrFile) {
+    const std::string cat = kCat;
+    const std::string sought = startsWith(commandOrFile, cat) ? commandOrFile.substr(cat.size()) : commandOrFile;
+    for (const Translation& row : translations()) {
+        if (fits(row, sought)) {
+            return row;
+        }
+    }
+    return translations().back();
+}
+
+std::string translated(const std::string& commandOrFile, const std::string& output) {
+    return findTranslation(commandOrFile).translate(output);
+}
+
+}  // namespace kvl::provider
