@@ -1,7 +1,9 @@
 #include "provider/machine/translation/translations.h"
 
+#include "provider/machine/translation/bonding_file.h"
 #include "provider/machine/translation/line_ends.h"
 #include "provider/machine/translation/text_lines.h"
+#include "provider/machine/translation/vlan_table.h"
 
 namespace kvl::provider {
 namespace {
@@ -23,6 +25,8 @@ bool fits(const Translation& row, const std::string& commandOrFile) {
 
 const std::vector<Translation>& translations() {
     static const std::vector<Translation> rows = {
+        {"/proc/net/bonding/", translateBondingFile, "slaves without a permanent address; long lists of ARP targets"},
+        {"/proc/net/vlan/config", translateVlanTable, "a blank before each bar"},
         {"", withoutCarriageReturns, "carriage returns at line ends dropped"},
     };
     return rows;
