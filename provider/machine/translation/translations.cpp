@@ -1,6 +1,10 @@
 #include "provider/machine/translation/translations.h"
 
 #include "provider/machine/translation/bonding_file.h"
+#include "provider/machine/translation/ethtool_coalesce.h"
+#include "provider/machine/translation/ethtool_offload.h"
+#include "provider/machine/translation/ethtool_pause.h"
+#include "provider/machine/translation/ethtool_ring.h"
 #include "provider/machine/translation/line_ends.h"
 #include "provider/machine/translation/text_lines.h"
 #include "provider/machine/translation/vlan_table.h"
@@ -25,6 +29,10 @@ bool fits(const Translation& row, const std::string& commandOrFile) {
 
 const std::vector<Translation>& translations() {
     static const std::vector<Translation> rows = {
+        {"/usr/sbin/ethtool -k", translateOffload, "names with blanks into those with hyphens"},
+        {"/usr/sbin/ethtool -a", translatePause, "tabs before values into blanks; n/a left out"},
+        {"/usr/sbin/ethtool -g", translateRing, "n/a left out"},
+        {"/usr/sbin/ethtool -c", translateCoalesce, "n/a left out; rx-frames-low into rx-frame-low"},
         {"/proc/net/bonding/", translateBondingFile, "slaves without a permanent address; long lists of ARP targets"},
         {"/proc/net/vlan/config", translateVlanTable, "a blank before each bar"},
         {"", withoutCarriageReturns, "carriage returns at line ends dropped"},

@@ -14,6 +14,7 @@ struct TranslationCase {
     std::string read;
 };
 
+std::vector<TranslationCase> ethtoolCases();
 std::vector<TranslationCase> kernelFileCases();
 
 /// All of them.
