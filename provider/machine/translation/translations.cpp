@@ -5,6 +5,7 @@
 #include "provider/machine/translation/ethtool_offload.h"
 #include "provider/machine/translation/ethtool_pause.h"
 #include "provider/machine/translation/ethtool_ring.h"
+#include "provider/machine/translation/ifconfig_blocks.h"
 #include "provider/machine/translation/line_ends.h"
 #include "provider/machine/translation/text_lines.h"
 #include "provider/machine/translation/vlan_table.h"
@@ -29,6 +30,7 @@ bool fits(const Translation& row, const std::string& commandOrFile) {
 
 const std::vector<Translation>& translations() {
     static const std::vector<Translation> rows = {
+        {"/sbin/ifconfig -a", translateIfconfig, "blocks of net-tools 2 into those of 1.60"},
         {"/usr/sbin/ethtool -k", translateOffload, "names with blanks into those with hyphens"},
         {"/usr/sbin/ethtool -a", translatePause, "tabs before values into blanks; n/a left out"},
         {"/usr/sbin/ethtool -g", translateRing, "n/a left out"},

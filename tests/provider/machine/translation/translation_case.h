@@ -15,6 +15,7 @@ struct TranslationCase {
 };
 
 std::vector<TranslationCase> ethtoolCases();
+std::vector<TranslationCase> ifconfigCases();
 std::vector<TranslationCase> kernelFileCases();
 
 /// All of them.
