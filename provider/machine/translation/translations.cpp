@@ -6,6 +6,8 @@
 #include "provider/machine/translation/ethtool_pause.h"
 #include "provider/machine/translation/ethtool_ring.h"
 #include "provider/machine/translation/ifconfig_blocks.h"
+#include "provider/machine/translation/ipv4_routes.h"
+#include "provider/machine/translation/ipv6_routes.h"
 #include "provider/machine/translation/line_ends.h"
 #include "provider/machine/translation/text_lines.h"
 #include "provider/machine/translation/vlan_table.h"
@@ -35,6 +37,8 @@ const std::vector<Translation>& translations() {
         {"/usr/sbin/ethtool -a", translatePause, "tabs before values into blanks; n/a left out"},
         {"/usr/sbin/ethtool -g", translateRing, "n/a left out"},
         {"/usr/sbin/ethtool -c", translateCoalesce, "n/a left out; rx-frames-low into rx-frame-low"},
+        {"/sbin/route", translateIpv4Routes, "default routes: those, and only those, that have a gateway's address"},
+        {"/bin/netstat -A inet6 -nr", translateIpv6Routes, "routes through a gateway: default routes only"},
         {"/proc/net/bonding/", translateBondingFile, "slaves without a permanent address; long lists of ARP targets"},
         {"/proc/net/vlan/config", translateVlanTable, "a blank before each bar"},
         {"", withoutCarriageReturns, "carriage returns at line ends dropped"},

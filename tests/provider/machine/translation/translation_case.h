@@ -16,6 +16,7 @@ struct TranslationCase {
 
 std::vector<TranslationCase> ethtoolCases();
 std::vector<TranslationCase> ifconfigCases();
+std::vector<TranslationCase> routeCases();
 std::vector<TranslationCase> kernelFileCases();
 
 /// All of them.

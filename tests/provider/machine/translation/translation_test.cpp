@@ -19,7 +19,7 @@ void PrintTo(const TranslationCase& translationCase, std::ostream* stream) {
 
 std::vector<TranslationCase> translationCases() {
     std::vector<TranslationCase> all;
-    for (const auto& cases : {ethtoolCases(), ifconfigCases(), kernelFileCases()}) {
+    for (const auto& cases : {ethtoolCases(), ifconfigCases(), routeCases(), kernelFileCases()}) {
         all.insert(all.end(), cases.begin(), cases.end());
     }
     return all;
