@@ -9,6 +9,7 @@
 #include "provider/machine/translation/ipv4_routes.h"
 #include "provider/machine/translation/ipv6_routes.h"
 #include "provider/machine/translation/line_ends.h"
+#include "provider/machine/translation/resolver_file.h"
 #include "provider/machine/translation/text_lines.h"
 #include "provider/machine/translation/vlan_table.h"
 
@@ -39,6 +40,7 @@ const std::vector<Translation>& translations() {
         {"/usr/sbin/ethtool -c", translateCoalesce, "n/a left out; rx-frames-low into rx-frame-low"},
         {"/sbin/route", translateIpv4Routes, "default routes: those, and only those, that have a gateway's address"},
         {"/bin/netstat -A inet6 -nr", translateIpv6Routes, "routes through a gateway: default routes only"},
+        {"/etc/resolv.conf", translateResolverFile, "as the resolver reads it"},
         {"/proc/net/bonding/", translateBondingFile, "slaves without a permanent address; long lists of ARP targets"},
         {"/proc/net/vlan/config", translateVlanTable, "a blank before each bar"},
         {"", withoutCarriageReturns, "carriage returns at line ends dropped"},

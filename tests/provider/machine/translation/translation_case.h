@@ -17,6 +17,7 @@ struct TranslationCase {
 std::vector<TranslationCase> ethtoolCases();
 std::vector<TranslationCase> ifconfigCases();
 std::vector<TranslationCase> routeCases();
+std::vector<TranslationCase> resolverCases();
 std::vector<TranslationCase> kernelFileCases();
 
 /// All of them.

@@ -19,7 +19,7 @@ void PrintTo(const TranslationCase& translationCase, std::ostream* stream) {
 
 std::vector<TranslationCase> translationCases() {
     std::vector<TranslationCase> all;
-    for (const auto& cases : {ethtoolCases(), ifconfigCases(), routeCases(), kernelFileCases()}) {
+    for (const auto& cases : {ethtoolCases(), ifconfigCases(), routeCases(), resolverCases(), kernelFileCases()}) {
         all.insert(all.end(), cases.begin(), cases.end());
     }
     return all;
