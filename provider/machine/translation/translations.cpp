@@ -5,6 +5,7 @@
 #include "provider/machine/translation/ethtool_offload.h"
 #include "provider/machine/translation/ethtool_pause.h"
 #include "provider/machine/translation/ethtool_ring.h"
+#include "provider/machine/translation/ifcfg_file.h"
 #include "provider/machine/translation/ifconfig_blocks.h"
 #include "provider/machine/translation/ipv4_routes.h"
 #include "provider/machine/translation/ipv6_routes.h"
@@ -41,6 +42,8 @@ const std::vector<Translation>& translations() {
         {"/sbin/route", translateIpv4Routes, "default routes: those, and only those, that have a gateway's address"},
         {"/bin/netstat -A inet6 -nr", translateIpv6Routes, "routes through a gateway: default routes only"},
         {"/etc/resolv.conf", translateResolverFile, "as the resolver reads it"},
+        {"/etc/sysconfig/network", translateNetworkFile, "as the shell reads it"},
+        {"/etc/sysconfig/network-scripts/ifcfg-", translateIfcfg, "as the shell reads it"},
         {"/proc/net/bonding/", translateBondingFile, "slaves without a permanent address; long lists of ARP targets"},
         {"/proc/net/vlan/config", translateVlanTable, "a blank before each bar"},
         {"", withoutCarriageReturns, "carriage returns at line ends dropped"},

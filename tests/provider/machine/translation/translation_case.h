@@ -19,6 +19,7 @@ std::vector<TranslationCase> ifconfigCases();
 std::vector<TranslationCase> routeCases();
 std::vector<TranslationCase> resolverCases();
 std::vector<TranslationCase> kernelFileCases();
+std::vector<TranslationCase> ifcfgCases();
 
 /// All of them.
 std::vector<TranslationCase> translationCases();
