@@ -10,6 +10,7 @@
 #include "provider/machine/translation/ipv4_routes.h"
 #include "provider/machine/translation/ipv6_routes.h"
 #include "provider/machine/translation/line_ends.h"
+#include "provider/machine/translation/network_manager_keyfile.h"
 #include "provider/machine/translation/resolver_file.h"
 #include "provider/machine/translation/text_lines.h"
 #include "provider/machine/translation/vlan_table.h"
@@ -44,6 +45,9 @@ const std::vector<Translation>& translations() {
         {"/etc/resolv.conf", translateResolverFile, "as the resolver reads it"},
         {"/etc/sysconfig/network", translateNetworkFile, "as the shell reads it"},
         {"/etc/sysconfig/network-scripts/ifcfg-", translateIfcfg, "as the shell reads it"},
+        {"/etc/NetworkManager/system-connections/", translateKeyfile, "keyfiles into ifcfg files"},
+        {"/run/NetworkManager/system-connections/", translateKeyfile, "keyfiles into ifcfg files"},
+        {"/usr/lib/NetworkManager/system-connections/", translateKeyfile, "keyfiles into ifcfg files"},
         {"/proc/net/bonding/", translateBondingFile, "slaves without a permanent address; long lists of ARP targets"},
         {"/proc/net/vlan/config", translateVlanTable, "a blank before each bar"},
         {"", withoutCarriageReturns, "carriage returns at line ends dropped"},

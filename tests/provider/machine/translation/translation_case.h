@@ -20,6 +20,7 @@ std::vector<TranslationCase> routeCases();
 std::vector<TranslationCase> resolverCases();
 std::vector<TranslationCase> kernelFileCases();
 std::vector<TranslationCase> ifcfgCases();
+std::vector<TranslationCase> keyfileCases();
 
 /// All of them.
 std::vector<TranslationCase> translationCases();

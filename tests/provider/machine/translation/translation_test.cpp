@@ -19,8 +19,8 @@ void PrintTo(const TranslationCase& translationCase, std::ostream* stream) {
 
 std::vector<TranslationCase> translationCases() {
     std::vector<TranslationCase> all;
-    for (const auto& cases :
-         {ethtoolCases(), ifconfigCases(), routeCases(), resolverCases(), kernelFileCases(), ifcfgCases()}) {
+    for (const auto& cases : {ethtoolCases(), ifconfigCases(), routeCases(), resolverCases(), kernelFileCases(),
+                              ifcfgCases(), keyfileCases()}) {
         all.insert(all.end(), cases.begin(), cases.end());
     }
     return all;
