@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 
+#include <cstddef>
 #include <optional>
 #include <vector>
 
@@ -12,6 +13,9 @@ namespace {
 
 constexpr const char* kEverywhere = "::/0";
 constexpr const char* kOnLink = "::";
+
+/// Destination, next hop, flags, metric, references, use, interface.
+constexpr std::size_t kColumns = 7;
 
 bool isAddress(const std::string& text) {
     in6_addr address{};
@@ -41,6 +45,17 @@ std::optional<std::string> translateLine(const std::string& line) {
 
 std::string translateIpv6Routes(const std::string& output) {
     return translateLines(output, translateLine);
+}
+
+std::string ipv6RoutesOf(const std::set<std::string>& interfaces, const std::string& output) {
+    return translateLines(output, [&interfaces](const std::string& line) -> std::optional<std::string> {
+        const std::vector<std::string> words = wordsOf(line);
+        const bool isRoute = words.size() >= kColumns && isPrefix(words[0]);
+        if (isRoute && interfaces.count(words[kColumns - 1]) == 0) {
+            return std::nullopt;
+        }
+        return line;
+    });
 }
 
 }  // namespace kvl::provider

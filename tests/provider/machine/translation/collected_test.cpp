@@ -1,4 +1,5 @@
 #include "provider/machine/translation/ethtool_coalesce.h"
+#include "provider/machine/translation/ipv6_routes.h"
 #include "provider/machine/translation/translations.h"
 #include "tests/support/collector_test.h"
 
@@ -162,6 +163,16 @@ TEST_F(Collected, Ipv6GatewaysAreThoseOfDefaultRoutes) {
         gateways.push_back(route.Gateway + " " + route.Metric);
     }
     EXPECT_EQ(gateways, (Lines{"2001:db8:4::1 1024"}));
+}
+
+TEST_F(Collected, Ipv6GatewaysOfAnInterfaceAreNotThoseOfALongerName) {
+    const std::string command = "/bin/netstat -A inet6 -nr";
+    machine.command(command, provider::ipv6RoutesOf({"eth1"},
+                                                    "Kernel IPv6 routing table\n"
+                                                    "::/0     fe80::2       UG   1024 1      0 veth1\n"
+                                                    "::/0     fe80::1       UG   1024 1      0 eth1\n"));
+    ASSERT_EQ(collector->GetRouteDataV6("eth1").size(), 1U);
+    EXPECT_EQ(collector->GetRouteDataV6("eth1").front().Gateway, "fe80::1");
 }
 
 TEST_F(Collected, TheResolverIsAsGlibcReadsIt) {
