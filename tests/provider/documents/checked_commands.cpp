@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -29,6 +30,7 @@ both() {
     check "$@"
     check "$@" --format json
 }
+beside_odd_interfaces() { LD_PRELOAD=$odd_interfaces "$program" "$@"; }
 full() { "$@" >/dev/full; }
 boot_files() { kvl boot-files "$@"; }
 replace /tmp/signal_group 'kill -$1 -$(cat /tmp/kvl); until grep -q noted /tmp/told.errors; do sleep 0.001; done'
@@ -85,6 +87,12 @@ bool isStep(const std::string& line) {
 }
 
 }  // namespace
+
+const CheckScript* scriptOf(const std::string& row, const std::vector<CheckScript>& scripts) {
+    const auto found =
+        std::find_if(scripts.begin(), scripts.end(), [&row](const CheckScript& script) { return script.row == row; });
+    return found == scripts.end() ? nullptr : &*found;
+}
 
 std::vector<CheckedCommand> runChecks(const CheckScript& script) {
     std::vector<CheckedCommand> commands;

@@ -19,6 +19,9 @@ struct CheckedCommand {
 ///   check COMMAND...         runs a command and notes what became of it
 ///   both COMMAND...          checks one, and the same with `--format json`
 ///   full COMMAND...          runs one with a standard output without room
+///   beside_odd_interfaces ARGUMENT...
+///                            runs kvl where the kernel lists eth0 and an interface with a name that a shell takes
+///                            apart
 ///   boot_files [OPTION...]   runs `kvl boot-files`
 ///   /tmp/signal_group NAME   for another command's script: sends a signal to the group of group_kvl, and waits until
 ///                            that is noted
@@ -30,6 +33,9 @@ struct CheckScript {
     const char* typed = nullptr;  ///< on a terminal; null without one
     bool hasOddModules = false;   ///< /modules holds those that somebody has thought up, instead of the sound ones
 };
+
+/// @return the script of a row, null if there is none
+const CheckScript* scriptOf(const std::string& row, const std::vector<CheckScript>& scripts);
 
 /// Runs such a script. @return the commands that it has checked
 std::vector<CheckedCommand> runChecks(const CheckScript& script);

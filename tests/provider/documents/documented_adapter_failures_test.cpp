@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cctype>
 #include <nlohmann/json.hpp>
 #include <ostream>
@@ -22,6 +21,7 @@ using kvl::test::CheckScript;
 using kvl::test::Document;
 using kvl::test::DocumentTable;
 using kvl::test::runChecks;
+using kvl::test::scriptOf;
 using kvl::test::SentencePatterns;
 using kvl::test::tableBelow;
 using kvl::test::testName;
@@ -73,6 +73,7 @@ const Scripts kErrors = {
     {"no-location",
      "sed -i 's/\\(PCI Function   : \\)1/\\1x/' $ports/15/list; check kvl adapters --versions --format json"},
     {"no-interface", "check kvl adapter-info 02:00.0 --format json"},
+    {"interface-not-asked", "check beside_odd_interfaces adapter-info 02:00.0 --format json"},
     {"no-catalogue", "cd /opt/tarvenn/kvl; rm CnaVCFac.ini; check kvl supported --format json"},
     {"unreadable-catalogue",
      "cd /opt/tarvenn/kvl; rm *.ini; mkdir CnaVCFac.ini; check kvl supported --family cna --format json\n"
@@ -125,12 +126,6 @@ const Scripts kBlocks = {
 const Document& document() {
     static const Document kDocument = kvl::test::readDocument("adapters.md");
     return kDocument;
-}
-
-const CheckScript* scriptOf(const std::string& name, const Scripts& scripts) {
-    const auto found =
-        std::find_if(scripts.begin(), scripts.end(), [&name](const CheckScript& script) { return script.row == name; });
-    return found == scripts.end() ? nullptr : &*found;
 }
 
 Texts namesOf(const Scripts& scripts) {

@@ -5,10 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <regex>
+#include <stdexcept>
 
 #include "tests/provider/documents/checked_commands.h"
 #include "tests/provider/documents/document.h"
@@ -21,6 +21,7 @@ using kvl::test::Document;
 using kvl::test::DocumentTable;
 using kvl::test::numbersIn;
 using kvl::test::runChecks;
+using kvl::test::scriptOf;
 using kvl::test::SentencePatterns;
 using kvl::test::sentencesIn;
 using kvl::test::tableBelow;
@@ -312,6 +313,16 @@ const Document& document() {
     return kDocument;
 }
 
+/// Throws std::out_of_range if it isn't compared.
+const ComparedTable& comparedTable(const std::string& heading, const std::string& title) {
+    for (const ComparedTable& compared : kTables) {
+        if (compared.heading == heading && compared.title == title) {
+            return compared;
+        }
+    }
+    throw std::out_of_range(heading + ", " + title);
+}
+
 /// One row of one of the tables.
 struct Row {
     const ComparedTable* compared;
@@ -348,19 +359,10 @@ std::string nameOf(const testing::TestParamInfo<Row>& info) {
     return testName(std::string(info.param.compared->heading) + " " + info.param.name());
 }
 
-const CheckScript* scriptOf(const std::string& name, const Scripts& scripts) {
-    for (const CheckScript& script : scripts) {
-        if (script.row == name) {
-            return &script;
-        }
-    }
-    return nullptr;
-}
-
 /// The texts that CAUSE stands for.
 Patterns causes() {
     Patterns cells;
-    for (const Row& row : rowsOf(kTables[4])) {
+    for (const Row& row : rowsOf(comparedTable("Causes and states", "Cause"))) {
         cells.push_back(row.name());
     }
     return cells;
@@ -417,6 +419,14 @@ Patterns linesOf(const ComparedTable& compared, int exitCode) {
     return lines;
 }
 
+/// What tells the step of an update that has failed.
+Patterns linesOfSteps(int exitCode) {
+    Patterns lines = linesOf(comparedTable("While the firmware is updated", "What happened"), exitCode);
+    const Patterns more = linesOf(comparedTable("While the tool is updated", "What happened"), exitCode);
+    lines.insert(lines.end(), more.begin(), more.end());
+    return lines;
+}
+
 /// The lines that are no notes of a signal.
 std::vector<std::string> withoutNotes(const std::vector<std::string>& told) {
     std::vector<std::string> lines;
@@ -440,14 +450,12 @@ std::string lineOf(const CheckedCommand& command, Place place) {
         return "";
     }
     if (place == Place::kState) {
-        Patterns steps = linesOf(kTables[2], command.exitCode);
-        const Patterns more = linesOf(kTables[3], command.exitCode);
-        steps.insert(steps.end(), more.begin(), more.end());
-        EXPECT_THAT(matching(lines.front(), steps), testing::Not(IsEmpty())) << lines.front();
+        EXPECT_THAT(matching(lines.front(), linesOfSteps(command.exitCode)), testing::Not(IsEmpty())) << lines.front();
         return lines.back();
     }
     if (hasState) {
-        EXPECT_THAT(matching(lines.back(), linesOf(kTables[5], command.exitCode)), testing::Not(IsEmpty()))
+        EXPECT_THAT(matching(lines.back(), linesOf(comparedTable("Causes and states", "State"), command.exitCode)),
+                    testing::Not(IsEmpty()))
             << lines.back() << " and exit code " << command.exitCode;
     }
     return lines.front();
