@@ -22,6 +22,7 @@ machines::PrivateRootOptions serverOptions(const std::string& machine, const std
     options.binds.push_back({modules});
     options.environment["program"] = KVL_PROGRAM;
     options.environment["no_waits"] = KVL_NO_WAITS;
+    options.environment["odd_interfaces"] = KVL_ODD_INTERFACES;
     options.environment["last_words"] = KVL_LAST_WORDS;
     options.environment["built_modules"] = modules;
     return options;

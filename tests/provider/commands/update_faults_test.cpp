@@ -21,8 +21,6 @@ using testing::StartsWith;
 /// What a command tells beside its answer and its steps, and how it ended.
 constexpr const char* kTold =
     "told() { \"$@\" 2>&1 >/dev/null | sed '/^\\[[0-9]\\/[0-9]\\]/d'; }\n"
-    "temp=$tree/temp work=$tree/temp/CNA list=$tree/temp/Listhbas.txt\n"
-    "update() { firmware 02:00.0 OCe11102 \"$@\"; }\n"
     "run() { \"$@\"; echo \"ended with $?\" >&2; }\n";
 
 Outcome told(const std::string& script) {
@@ -460,8 +458,8 @@ void PrintTo(const Survived& row, std::ostream* stream) {
 class Fault : public testing::TestWithParam<Survived> {};
 
 TEST_P(Fault, DoesNotKeepTheFirmwareFromBeingUpdated) {
-    const Outcome outcome = updateOnServer(std::string("temp=$tree/temp work=$temp/CNA; ") + GetParam().script +
-                                           "\nfirmware 02:00.0 OCe11102 --quiet | tail -n 2; versions 01");
+    const Outcome outcome =
+        updateOnServer(std::string(GetParam().script) + "\nfirmware 02:00.0 OCe11102 --quiet | tail -n 2; versions 01");
     EXPECT_EQ("Updated 02:00.0: firmware 4.6.247.5 -> 4.9.416.0\nended with 0\n4.9.416.0 4.6.247.5\n", outcome.output);
 }
 

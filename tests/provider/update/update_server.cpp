@@ -5,11 +5,13 @@ namespace {
 
 constexpr const char* kFunctions = R"sh(
 trace=/opt/tarvenn/kvl/log/kvl.log
+temp=$tree/temp work=$tree/temp/CNA list=$tree/temp/Listhbas.txt
 firmware() {
     device=$1 module=$2
     shift 2
     run kvl update firmware $device --module /modules/$module --unique-name ${module%%-*} --yes "$@"
 }
+update() { firmware 02:00.0 OCe11102 "$@"; }
 tool_update() {
     module=$1
     shift

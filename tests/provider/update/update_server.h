@@ -11,6 +11,7 @@ namespace kvl::test {
 ///
 ///   firmware DEVICE MODULE [OPTION...]  runs an update with a module of /modules, whose family its name begins with,
 ///                                       without a question
+///   update [OPTION...]                  updates 02:00.0 with OCe11102
 ///   tool_update MODULE [OPTION...]      the same for the management tool
 ///   run group_kvl ARGUMENT...           runs kvl in a process group of its own, whose number is in /tmp/kvl
 ///   versions                            prints the line of each port's dump that tells its firmware and boot code
@@ -19,7 +20,9 @@ namespace kvl::test {
 ///   instead_of_unzip SCRIPT             has it run instead of that
 ///   work_beside                         has another kvl work on 02:00.0 until `release`
 ///   state                               prints all files of the server with their modes and checksums, but for the log
-///   of commands ended                               prints the parts of the trace that operators get
+///   ended                               prints the parts of the trace that operators get
+///
+/// $temp, $work and $list are the adapters' directory of temporary files, that of the family cna, and the tool's list.
 Outcome updateOnServer(const std::string& script, const std::string& machine = "adapters-mixed",
                        const std::string& modules = KVL_UPDATE_MODULES);
 
