@@ -48,9 +48,6 @@ const Scripts kExitCodes = {
      "check kvl update tool --module /modules/tool --again",
      "n\n"},
     {"4", "fault no-success-text; check update"},
-    {"130",
-     "during Download '/tmp/signal_group INT'\n"
-     "check group_kvl update firmware 02:00.0 --module /modules/OCe11102 --unique-name OCe11102 --yes"},
 };
 
 const Scripts kBeforeAnything = {
@@ -145,6 +142,12 @@ const Scripts kWhileTool = {
      "check tool_update tool-failing-uninstall; fault killed.uninstall; check tool_update tool"},
     {"`install.sh` was not unpacked", "after_unzip 'rm $4/x64/install.sh'; check tool_update tool"},
     {"`install.sh` fails", "check tool_update tool-failing-install"},
+};
+
+const Scripts kMarker = {
+    {"the marker can't be made", "kvl adapters >/dev/null; mkdir -p $work/UpdateProceeding.txt; check update --quiet"},
+    {"the marker can't be deleted in the end",
+     "during Download \"rm $work/UpdateProceeding.txt; mkdir -p $work/UpdateProceeding.txt/x\"; check update --quiet"},
 };
 
 const Scripts kCauses = {
@@ -252,8 +255,8 @@ const Scripts kBootFiles = {
     {"any failure of the rebuild in a run that has added override lines",
      "replace /bin/mv 'exit 1'; check boot_files --override lpfc --rebuild-initramfs; cp /bin/busybox /bin/mv\n"
      "replace /sbin/dracut 'exit 1'; check boot_files --override be2net --rebuild-initramfs --restore-on-failure"},
-    {"a signal came meanwhile: the command that ran was waited for, and the result told; a rebuild that was still to "
-     "come is not begun",
+    {"the plan can't be written to standard output", "check full boot_files --override lpfc"},
+    {"a signal came before a rebuild, which is not begun then; 4 if override lines were added",
      "kvl boot-files --override lpfc >/dev/null 2>&1; replace /sbin/depmod '/tmp/signal_group TERM'\n"
      "check group_kvl boot-files --override lpfc --rebuild-initramfs"},
 };
@@ -294,13 +297,15 @@ struct ComparedTable {
     const Scripts& scripts;
 };
 
-const std::array<ComparedTable, 9> kTables = {{
+const std::array<ComparedTable, 10> kTables = {{
     {"Exit codes", "Code", "Code", "", "Code", Place::kNowhere, kExitCodes},
     {"Before anything is done", "What happened", "What happened", "Sentence", "Exit code", Place::kAlone,
      kBeforeAnything},
     {"While the firmware is updated", "What happened", "What happened", "Sentence", "Exit code", Place::kStep,
      kWhileFirmware},
     {"While the tool is updated", "What happened", "What happened", "Sentence", "Exit code", Place::kStep, kWhileTool},
+    {"Marker of an update", "What happened", "What happened", "Sentence", "Exit code of an update that is done",
+     Place::kAlone, kMarker},
     {"Causes and states", "Cause", "Cause", "Cause", nullptr, Place::kCause, kCauses},
     {"Causes and states", "State", "State", "State", "Exit code", Place::kState, kStates},
     {"Management tool check", "Code", "Sentence", "Sentence", "Code", Place::kAnswer, kToolCheck},
