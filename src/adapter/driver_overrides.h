@@ -3,6 +3,8 @@
 
 #include <array>
 
+// For providers too: constants, and functions of their arguments alone, which any thread may call and which never block.
+
 namespace kvl {
 
 /// The configuration file by which `depmod` prefers a driver's updated modules.

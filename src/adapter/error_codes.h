@@ -3,6 +3,8 @@
 
 #include <array>
 
+// For providers too: constants, and functions of their arguments alone, which any thread may call and which never block.
+
 namespace kvl {
 
 /// Every code that the last error of `CEmulexCommon` can hold. 0 is the state before the first failure.

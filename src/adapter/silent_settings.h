@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 
+// For providers too: constants, and functions of their arguments alone, which any thread may call and which never block.
+
 namespace kvl {
 
 /// A setting that a silent install leaves.

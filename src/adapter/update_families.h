@@ -4,7 +4,7 @@
 #include <array>
 #include <string>
 
-#include "foundation/text.h"
+// For providers too: constants, and functions of their arguments alone, which any thread may call and which never block.
 
 namespace kvl {
 
@@ -35,7 +35,8 @@ constexpr std::array<UpdateFamily, 5> kUpdateFamilies = {{
 /// @return the family of an adapter, null for a name that is none
 inline const UpdateFamily* findUpdateFamily(const std::string& uniqueName) {
     for (const UpdateFamily& family : kUpdateFamilies) {
-        if (family.isBeginning ? beginsWith(uniqueName, family.uniqueName) : uniqueName == family.uniqueName) {
+        const bool begins = uniqueName.rfind(family.uniqueName, 0) == 0;
+        if (family.isBeginning ? begins : uniqueName == family.uniqueName) {
             return &family;
         }
     }

@@ -3,6 +3,8 @@
 
 #include <array>
 
+// For providers too: constants, and functions of their arguments alone, which any thread may call and which never block.
+
 namespace kvl {
 
 /// A kind of update that can be marked. Its number is its place in the table, from 1 on.
