@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-// For providers too: constants, and functions of their arguments alone, which any thread may call and which never block.
+// For providers too: constants, and functions of their arguments alone. Any thread may call; nothing blocks.
 
 namespace kvl {
 
