@@ -31,6 +31,7 @@ host::FileDescriptor makeSink() {
 
 void sendReportsTo(int descriptor) {
     if (__sanitizer_set_report_fd != nullptr) {
+        // The run-time's interface has a number in a pointer's place. NOLINTNEXTLINE(performance-no-int-to-ptr)
         __sanitizer_set_report_fd(reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor)));
     }
 }

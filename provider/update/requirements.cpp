@@ -15,8 +15,8 @@
 namespace kvl::provider {
 namespace {
 
-constexpr std::uint64_t kMargin = 1024 * 1024;
-constexpr std::uint64_t kMebibyte = 1024 * 1024;
+constexpr std::uint64_t kMargin = 1024ULL * 1024;
+constexpr std::uint64_t kMebibyte = 1024ULL * 1024;
 constexpr mode_t kOthersWrite = 022;
 
 [[noreturn]] void refuse(const std::string& sentence) {

@@ -20,10 +20,15 @@ enum EMULEX_MODULE_KIND : int {
 };
 
 /// Makes a device identifier fit for a file name. @return `DeviceID` with "_" for each "/"
-std::string CONVERT_DEVID(std::string DeviceID);
+__attribute__((visibility("default"))) std::string CONVERT_DEVID(std::string DeviceID);
 
-/// The procedures for Emulex adapters. All operations are static and block the caller's thread. Nothing is locked but
-/// the search of `LatestFile`: two procedures must not run at once, in one process or in two.
+/// The procedures for Emulex adapters. All operations are static. Nothing is locked but the search of `LatestFile`: two
+/// procedures must not run at once, in two threads of one process or in two processes.
+///
+/// An operation blocks the caller's thread until it is done. A command is waited for without a limit, and a command
+/// whose output goes into a file ten seconds more where it prints nothing; where an operation waits for something else,
+/// its comment says for how long. Only `GetLastError` and its kin, `CONVERT_DEVID` and `CheckVendorVersion` wait for
+/// nothing.
 ///
 /// An operation that reports failure leaves the cause in the last error, as far as it names codes; error_codes.h lists
 /// them. Nothing clears it, so after a success, or a failure without a code, it still holds an earlier failure.
@@ -35,7 +40,7 @@ std::string CONVERT_DEVID(std::string DeviceID);
 /// The working tree lies in tmp/EMULEX below the install directory. `hbacmd` is the management tool at
 /// /usr/sbin/ocmanager/hbacmd. Its list and its dumps are read line by line, where a line of more than 255 characters
 /// counts as several; the lines of an updater's output and of a message file have any length.
-class CEmulexCommon {
+class __attribute__((visibility("default"))) CEmulexCommon {
 public:
     // ---- Last error ----
 

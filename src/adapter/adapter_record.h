@@ -4,6 +4,8 @@
 #include <map>
 #include <string>
 
+// For providers too: constants, and functions of their arguments alone. Any thread may call; nothing blocks.
+
 namespace kvl {
 
 /// What the adapter list tells of one port, by key.

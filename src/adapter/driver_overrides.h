@@ -3,6 +3,8 @@
 
 #include <array>
 
+// For providers too: constants, and functions of their arguments alone. Any thread may call; nothing blocks.
+
 namespace kvl {
 
 /// The configuration file by which `depmod` prefers a driver's updated modules.

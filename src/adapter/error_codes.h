@@ -3,6 +3,8 @@
 
 #include <array>
 
+// For providers too: constants, and functions of their arguments alone. Any thread may call; nothing blocks.
+
 namespace kvl {
 
 /// Every code that the last error of `CEmulexCommon` can hold. 0 is the state before the first failure.

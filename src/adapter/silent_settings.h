@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 
+// For providers too: constants, and functions of their arguments alone. Any thread may call; nothing blocks.
+
 namespace kvl {
 
 /// A setting that a silent install leaves.

@@ -5,7 +5,8 @@
 #include <string>
 
 #include "adapter/adapter_record.h"
-#include "foundation/text.h"
+
+// For providers too: constants, and functions of their arguments alone. Any thread may call; nothing blocks.
 
 namespace kvl {
 
@@ -34,7 +35,8 @@ constexpr std::array<UpdateFamily, 5> kUpdateFamilies = {{
 /// @return the family of an adapter, null for a name that is none
 inline const UpdateFamily* findUpdateFamily(const std::string& uniqueName) {
     for (const UpdateFamily& family : kUpdateFamilies) {
-        if (family.isBeginning ? beginsWith(uniqueName, family.uniqueName) : uniqueName == family.uniqueName) {
+        const bool begins = uniqueName.rfind(family.uniqueName, 0) == 0;
+        if (family.isBeginning ? begins : uniqueName == family.uniqueName) {
             return &family;
         }
     }

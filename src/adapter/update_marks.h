@@ -3,6 +3,8 @@
 
 #include <array>
 
+// For providers too: constants, and functions of their arguments alone. Any thread may call; nothing blocks.
+
 namespace kvl {
 
 /// A kind of update that can be marked. Its number is its place in the table, from 1 on.

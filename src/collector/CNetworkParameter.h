@@ -10,9 +10,12 @@
 /// Learns the machine's LAN configuration. It runs the system's commands with their standard output sent to result
 /// files in /opt/tarvenn/kvl/provider/tmp, parses those, and keeps what it found per interface.
 ///
-/// An object is for one thread, and two collections must not run at once on a machine, since a result file is named
-/// after its command alone. The result directory must be there. A command that prints nothing costs ten seconds and
-/// counts as failed.
+/// An object is for one thread at a time, and two collections must not run at once on a machine, since a result file is
+/// named after its command alone: nothing is locked. The result directory must be there.
+///
+/// An operation that runs a command blocks the caller's thread until the command has ended, however long that takes. A
+/// command that prints nothing costs ten seconds more and counts as failed. An operation whose comment names no command
+/// or file doesn't wait for anything.
 ///
 /// The exceptions are those of a text cut on output that doesn't have the expected form: std::out_of_range with the
 /// text "basic_string::substr". They pass through to the caller and leave the result file behind. `GetCommonMac` raises
@@ -21,7 +24,7 @@
 /// A full report needs `GetNetworkConfigurations`, `GetEtherConfigurations`, `GetBondingConfifurations` and
 /// `GetRoutingConfigurations` first. Driver data, and the interfaces with them, are also collected by the first
 /// `GetEthtoolData`, VLANs by the first question that needs them; bonds and IPv4 routes never are.
-class CNetworkParameter {
+class __attribute__((visibility("default"))) CNetworkParameter {
 public:
     /// Runs /bin/uname -r for the kernel release, which stays empty if that fails.
     /// @param moduleName  goes first into every trace line and names the directory of the vendor's items

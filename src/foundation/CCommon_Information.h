@@ -3,10 +3,13 @@
 
 #include <string>
 
-/// Running other programs through the shell, the file helpers that go with them, and questions about the machine. All
-/// operations are static and block the caller's thread until they are done. Those that take a module name trace under
-/// it; the others trace nothing.
-class CCommon_Information {
+/// Running other programs through the shell, the file helpers that go with them, and questions about the machine. Those
+/// operations that take a module name trace under it; the others trace nothing.
+///
+/// All operations are static, hold no data and may be called from any thread, but no other thread may close or replace
+/// the descriptors 0 to 2 meanwhile. They block the caller's thread until they are done: where a command is run, until
+/// it has ended, without a limit unless there is a parameter for it. A time is seen to be over up to a second late.
+class __attribute__((visibility("default"))) CCommon_Information {
 public:
     // ---- Other programs ----
 

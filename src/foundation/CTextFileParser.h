@@ -9,7 +9,10 @@
 /// A blank is the character " " alone: a tab is an ordinary character. A line is at most 255 characters, without its
 /// line feed. No line is trimmed and no character starts a comment. Nothing is traced and nothing is thrown: an
 /// unreadable file and a missing key look the same.
-class CTextFileParser {
+///
+/// Any thread may call. A call blocks until the file has been read; nothing limits that, so a pipe that nobody writes
+/// to blocks for good.
+class __attribute__((visibility("default"))) CTextFileParser {
 public:
     CTextFileParser();
     virtual ~CTextFileParser();

@@ -6,7 +6,10 @@
 
 /// Unpacking of update modules, which are zip archives, by the system's `unzip`, and removal of the folders that they
 /// were unpacked into. All operations are static and trace under the module name that they are given.
-class CUnzip_Utility {
+///
+/// Any thread may call, but two calls must not work on one folder at once. A call blocks until `unzip` has ended or the
+/// folder is gone, without a limit.
+class __attribute__((visibility("default"))) CUnzip_Utility {
 public:
     /// Removes a folder with everything below it. A link below it is removed, not followed. The first failure stops
     /// the walk and leaves what wasn't reached; a file that can't be deleted costs up to 55 seconds of `Sleep`, and a

@@ -25,16 +25,17 @@ public:
     /// With ", rc=" and the number behind the signature.
     void leaveResult(int result) const { boundary("[LEAVE] ", ", rc=" + std::to_string(result)); }
 
-    /// A line at level 1: the signature, one blank, and the format filled with the arguments.
+    /// A line at level 1: the signature, one blank, and the format filled with the arguments. A format without
+    /// arguments is a text as it is.
     template <typename... Arguments>
     void detail(const char* format, Arguments... arguments) const {
-        CTraceUtility::WriteDebug(module_, TRACE_DBG_FLOW, behindSignature(format).c_str(), arguments...);
+        write(TRACE_DBG_FLOW, format, arguments...);
     }
 
     /// The same at level 2.
     template <typename... Arguments>
     void error(const char* format, Arguments... arguments) const {
-        CTraceUtility::WriteDebug(module_, TRACE_DBG_ERROR, behindSignature(format).c_str(), arguments...);
+        write(TRACE_DBG_ERROR, format, arguments...);
     }
 
     /// A line at level 32: the format filled with the arguments, without the signature.
@@ -44,6 +45,15 @@ public:
     }
 
 private:
+    template <typename... Arguments>
+    void write(TRACE_DBG_LEVEL level, const char* format, Arguments... arguments) const {
+        const std::string line = behindSignature(format);
+        if constexpr (sizeof...(arguments) == 0) {
+            CTraceUtility::WriteDebug(module_, level, "%s", line.c_str());
+        } else {
+            CTraceUtility::WriteDebug(module_, level, line.c_str(), arguments...);
+        }
+    }
     void boundary(const char* marker, const std::string& tail) const;
     std::string behindSignature(const char* format) const { return std::string(signature_) + " " + format; }
 

@@ -5,8 +5,8 @@
 #include <string>
 
 /// File services of the loading process. A missing file or directory is a normal result, told by the
-/// returned value.
-class CFileUtility {
+/// returned value. The library calls on the thread that called it, and waits as long as the file system does.
+class __attribute__((visibility("default"))) CFileUtility {
 public:
     /// @param kind  always 0
     /// @return the product's install directory, without a "/" at its end

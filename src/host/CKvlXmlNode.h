@@ -7,8 +7,8 @@
 class CKvlXmlWrite;
 
 /// One element of an XML tree. It owns its attributes and children and is a value: a copy and its original
-/// never see each other's changes.
-class CKvlXmlNode {
+/// never see each other's changes, so that each may be used by a thread of its own. No call blocks.
+class __attribute__((visibility("default"))) CKvlXmlNode {
 public:
     /// An element without attributes and children.
     explicit CKvlXmlNode(std::string tagName);

@@ -5,8 +5,8 @@
 
 #include "host/CKvlXmlNode.h"
 
-/// Writes XML trees to files.
-class CKvlXmlWrite {
+/// Writes XML trees to files. Any thread may call; a call blocks until the file is written.
+class __attribute__((visibility("default"))) CKvlXmlWrite {
 public:
     CKvlXmlWrite();
     ~CKvlXmlWrite();

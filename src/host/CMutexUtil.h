@@ -3,8 +3,9 @@
 
 #include <memory>
 
-/// A mutex of the loading process that excludes other threads and other processes.
-class CMutexUtil {
+/// A mutex of the loading process that excludes other threads and other processes. An object is for one thread, which
+/// makes, locks and unlocks it.
+class __attribute__((visibility("default"))) CMutexUtil {
 public:
     CMutexUtil();
 
@@ -20,7 +21,7 @@ public:
     /// @param status  always null
     void Create(int kind, const char* name, int* status);
 
-    /// Waits for the mutex.
+    /// Blocks the calling thread until it has the mutex.
     /// @param timeout  always -1, without limit
     void Lock(int timeout);
 

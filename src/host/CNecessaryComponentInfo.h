@@ -4,7 +4,7 @@
 #include <string>
 
 /// A component that a provider needs and that is missing on this machine.
-class CNecessaryComponentInfo {
+class __attribute__((visibility("default"))) CNecessaryComponentInfo {
 public:
     CNecessaryComponentInfo();
     CNecessaryComponentInfo(const CNecessaryComponentInfo& other);

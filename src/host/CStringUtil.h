@@ -4,8 +4,9 @@
 #include <list>
 #include <string>
 
-/// Text services of the loading process. A text is a plain byte string; no call throws.
-class CStringUtil {
+/// Text services of the loading process. A text is a plain byte string; no call throws or blocks. The library calls on
+/// the thread that called it.
+class __attribute__((visibility("default"))) CStringUtil {
 public:
     /// Replaces every occurrence of `search` in `text`, in place. An empty `replacement` removes them.
     static void strReplace(std::string& text, const std::string& search, const std::string& replacement);

@@ -1,6 +1,12 @@
 #ifndef KVL_HOST_HOSTFUNCTIONS_H
 #define KVL_HOST_HOSTFUNCTIONS_H
 
+// Services of the loading process in the form of functions. The library calls them on the thread that called it; but
+// for `Sleep` they wait as long as the file system does.
+
+// An executable that hides its own symbols still exports these.
+#pragma GCC visibility push(default)
+
 /// Deletes a file. @return non-zero on success
 int DeleteFileA(const char* path);
 
@@ -21,5 +27,7 @@ void GetPrivateProfileStringA(const char* section, const char* key, const char* 
 
 /// Blocks the calling thread.
 void Sleep(unsigned long milliseconds);
+
+#pragma GCC visibility pop
 
 #endif

@@ -12,11 +12,12 @@
 ///
 /// The four section operations each append a section to the root in the order of the calls; `Write` and `GetNicNode`
 /// see what was appended before them. The writer runs no command itself, but the collector's questions do; each
-/// operation names theirs. Where the collector has no driver data yet, the first question for them collects, and the
+/// operation names theirs, and blocks the caller's thread as long as they do. A writer is for the thread that its
+/// collector is for. Where the collector has no driver data yet, the first question for them collects, and the
 /// collector's std::out_of_range for output of unexpected form passes through.
 ///
 /// Nearly every value is a parameter element: a node with the tag "attr" and the attributes "name" and "value".
-class CLanXmlWriter {
+class __attribute__((visibility("default"))) CLanXmlWriter {
 public:
     /// Makes a document with the empty root "data". Asks nothing and traces nothing.
     /// @param targetVendors  PCI vendors in hexadecimal without "0x"; upper and lower case are the same. None named

@@ -182,7 +182,7 @@ TEST_F(KeyReader, LosesAKeyThatIsSplitBetweenTwoPieces) {
 }
 
 TEST_F(KeyReader, EndsALineAtAZeroByte) {
-    machine.file(kFile, std::string("Key: a\0b\nA\0Key: x\nKey: c\n", 26));
+    machine.file(kFile, std::string("Key: a\0b\nA\0Key: x\nKey: c\n", 25));
     EXPECT_EQ(read("Key", 0).second, "a");
     EXPECT_EQ(read("Key", 1).second, "c");
 }

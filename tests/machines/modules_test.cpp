@@ -13,7 +13,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::HasSubstr;
 
 constexpr const char* kFamilies[] = {"OCe11102", "OCl14104", "fcelx_16g", "fcelx_8g1p", "fcelx_8g2p"};
