@@ -87,6 +87,10 @@ std::vector<std::string> CollectionProgress::failures() const {
                                           withheld.busInfo + "' is not the address of a PCI device"));
         }
     }
+    for (const NamedGateway& gateway : layer_.namedGateways()) {
+        sentences.push_back(printable(gateway.interface + ": IPv4 gateway: /sbin/route prints its name '" +
+                                      gateway.name + "', and no address"));
+    }
     sentences.erase(std::unique(sentences.begin(), sentences.end()), sentences.end());
     return sentences;
 }

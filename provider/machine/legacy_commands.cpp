@@ -2,10 +2,6 @@
 
 #include <unistd.h>
 
-#include <array>
-#include <cstdio>
-#include <memory>
-
 #include "machines/programs.h"
 #include "provider/provider_error.h"
 
@@ -14,19 +10,6 @@ namespace {
 
 // The fixed PATH.
 constexpr const char* kDirectories = "/sbin:/usr/sbin:/bin:/usr/bin";
-
-struct ClosePipe {
-    void operator()(std::FILE* pipe) const { pclose(pipe); }
-};
-
-std::string firstLineOf(const char* command) {
-    const std::unique_ptr<std::FILE, ClosePipe> pipe(popen(command, "re"));
-    std::array<char, 256> line{};
-    if (!pipe || std::fgets(line.data(), static_cast<int>(line.size()), pipe.get()) == nullptr) {
-        return "";
-    }
-    return line.data();
-}
 
 bool isInSbin(const std::string& name) {
     return access(("/sbin/" + name).c_str(), X_OK) == 0;
@@ -37,9 +20,8 @@ std::string needBusybox() {
     std::string busybox = findProgram("busybox");
     if (busybox.empty()) {
         throw ProviderError(
-            "this machine's /sbin/ifconfig is missing or prints a newer form than the parser reads, "
-            "and busybox, which prints the older one, isn't installed: install the package "
-            "busybox-static, or say '--legacy-commands never' to go without");
+            "this machine has no /sbin/ifconfig, and no busybox, which could stand in for it: install the package "
+            "net-tools");
     }
     return busybox;
 }
@@ -54,18 +36,12 @@ void supplyIfMissing(SuppliedCommands& supplied, const char* name, const std::st
 
 SuppliedCommands findCommandsToSupply() {
     SuppliedCommands supplied;
-    if (!isInSbin("ifconfig") || isNewerIfconfigForm(firstLineOf("/sbin/ifconfig -a 2> /dev/null"))) {
+    if (!isInSbin("ifconfig")) {
         supplied["ifconfig"] = needBusybox();
     }
     supplyIfMissing(supplied, "route", findProgram("busybox"));
     supplyIfMissing(supplied, "lspci", findProgram("lspci"));
     return supplied;
-}
-
-bool isNewerIfconfigForm(const std::string& firstLine) {
-    const auto blank = firstLine.find(' ');
-    return blank != std::string::npos && blank > 0 && firstLine[blank - 1] == ':' &&
-           firstLine.compare(blank + 1, 6, "flags=") == 0;
 }
 
 std::string findProgram(const std::string& name) {

@@ -9,14 +9,11 @@ namespace kvl::provider {
 /// Commands by their names in /sbin, with the programs that are to be found there in their stead.
 using SuppliedCommands = std::map<std::string, std::string>;
 
-/// Looks for the commands that the library calls in /sbin and that this machine lacks there, or has in a form that
-/// prints what the library can't read, and for programs that do the same in the old way.
+/// Looks for the commands that the library calls in /sbin and that this machine lacks there, and for programs that do
+/// the same.
 /// @return empty if all is well, or nothing can be done
 /// @throws ProviderError if such a program isn't installed, with what to do
 SuppliedCommands findCommandsToSupply();
-
-/// @return true for the first line of what net-tools 2 and later print for `ifconfig -a`
-bool isNewerIfconfigForm(const std::string& firstLine);
 
 /// The path of a program that is found by its name; empty if it isn't there.
 std::string findProgram(const std::string& name);
