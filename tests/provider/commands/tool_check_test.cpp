@@ -16,7 +16,6 @@ using nlohmann::json;
 using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::Not;
 using testing::StartsWith;
 
 constexpr const char* kFunctions = R"(
