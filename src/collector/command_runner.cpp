@@ -40,6 +40,7 @@ CNetworkParameter::CNetworkParameter(std::string moduleName) : module_name(std::
     if (ExecCommand("/bin/uname -r") >= 0) {
         std::ifstream output(result_file);
         kvl::LineReader(output).read(kernel_release);
+        output.close();
         RemoveResultFile();
     }
     trace.leave(kernel_release);

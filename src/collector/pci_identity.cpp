@@ -15,6 +15,7 @@ void CNetworkParameter::GetFourIds(std::string location, std::string& ids) {
     }
     std::ifstream output(result_file);
     ids = kvl::parsePciIds(output);
+    output.close();
     RemoveResultFile();
     trace.leave(ids);
 }
@@ -29,6 +30,7 @@ void CNetworkParameter::GetDeviceDescription(std::string location, std::string& 
     }
     std::ifstream output(result_file);
     description = kvl::parsePciDescription(output, location);
+    output.close();
     RemoveResultFile();
     trace.leave(description);
 }

@@ -31,6 +31,12 @@ TEST_F(Constructor, AsksForTheKernelReleaseAndRemovesTheResultFile) {
     EXPECT_THAT(namesIn(kResultDirectory), testing::IsEmpty());
 }
 
+TEST_F(Constructor, ClosesTheResultFileBeforeItRemovesIt) {
+    machine.command("/bin/uname -r", "2.6.32\n");
+    CNetworkParameter collector(kModule);
+    EXPECT_THAT(libc().deletedWhileOpen, testing::IsEmpty());
+}
+
 TEST_F(Constructor, LeavesTheKernelReleaseEmptyIfTheCommandFails) {
     machine.command("/bin/uname -r", "text\n", {1});
     CNetworkParameter collector(kModule);

@@ -44,6 +44,12 @@ TEST_F(GetFourIds, ReadsVendorDeviceAndSubsystem) {
     EXPECT_THAT(namesIn(kResultDirectory), testing::IsEmpty());
 }
 
+TEST_F(GetFourIds, ClosesTheResultFileBeforeItRemovesIt) {
+    machine.command(kLspci, "03:00.0 \"0200\" \"8086\" \"10c9\"\n");
+    collector->GetFourIds("03:00.0", text);
+    EXPECT_THAT(libc().deletedWhileOpen, testing::IsEmpty());
+}
+
 TEST_F(GetFourIds, LeavesTheTextIfTheCommandFails) {
     machine.command(kLspci, "x\n", {1});
     collector->GetFourIds("03:00.0", text);
@@ -99,6 +105,12 @@ TEST_F(GetDeviceDescription, JoinsTheNamesOfVendorAndDevice) {
     EXPECT_EQ(TestHost::trace(), (Lines{enter(kDescription, " 03:00.0")} + ran(kGrep) +
                                   Lines{leave(kDescription, " Intel Corporation 82576 Gigabit")}));
     EXPECT_THAT(namesIn(kResultDirectory), testing::IsEmpty());
+}
+
+TEST_F(GetDeviceDescription, ClosesTheResultFileBeforeItRemovesIt) {
+    machine.command("/sbin/lspci -m", "03:00.0 \"a\" \"b\" \"c\"\n");
+    collector->GetDeviceDescription("03:00.0", text);
+    EXPECT_THAT(libc().deletedWhileOpen, testing::IsEmpty());
 }
 
 TEST_F(GetDeviceDescription, IsEmptyForALocationThatGrepDoesNotFind) {

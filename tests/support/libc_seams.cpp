@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <net/if.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/types.h>
 #include <unistd.h>
@@ -24,6 +25,9 @@ LibcSeams& libc() {
 }
 
 namespace {
+
+/// A test opens few files: of the descriptors only the first are looked at.
+constexpr int kLookedAtDescriptors = 256;
 
 template <typename Function>
 Function* next(const char* name) {
@@ -55,6 +59,21 @@ std::atomic<int>* const strayCloseCount = sharedCount();
 
 bool isStandard(int descriptor) {
     return descriptor >= STDIN_FILENO && descriptor <= STDERR_FILENO;
+}
+
+/// Leaves errno alone, which the library traces.
+bool isOpenHere(const char* path) {
+    const int keptErrno = errno;
+    bool isOpen = false;
+    struct stat wanted {};
+    if (stat(path, &wanted) == 0) {
+        for (int descriptor = 0; descriptor < kLookedAtDescriptors && !isOpen; ++descriptor) {
+            struct stat found {};
+            isOpen = fstat(descriptor, &found) == 0 && found.st_dev == wanted.st_dev && found.st_ino == wanted.st_ino;
+        }
+    }
+    errno = keptErrno;
+    return isOpen;
 }
 
 std::string pathOf(int descriptor) {
@@ -144,6 +163,9 @@ int fsync(int descriptor) {
 int unlink(const char* path) noexcept {
     if (kvl::test::isRecorded(__builtin_return_address(0))) {
         libc().fileCalls.push_back("unlink " + std::string(path));
+    }
+    if (kvl::test::isInLibrary(__builtin_return_address(0)) && kvl::test::isOpenHere(path)) {
+        libc().deletedWhileOpen.emplace_back(path);
     }
     return kvl::test::next<int(const char*)>("unlink")(path);
 }

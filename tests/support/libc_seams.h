@@ -25,6 +25,8 @@ struct LibcSeams {
     bool recordsFileCalls = false;
     /// Those calls, each as "CALL PATH".
     std::vector<std::string> fileCalls;
+    /// Files that this process still had open when the library deleted them.
+    std::vector<std::string> deletedWhileOpen;
     /// What `if_nameindex` gives; the index of an entry is its place, from 1.
     std::vector<std::string> interfaces;
     /// Places in `interfaces`, from 0, whose entry has the index 0, or has no name; -1: none.
