@@ -27,8 +27,8 @@ constexpr const char* kHelp =
     "\n";
 
 [[noreturn]] void refuse(const ReportOptions& options, const CommandFollower& commands, const std::string& sentence) {
-    const bool mayHelp = options.legacyCommands == LegacyCommands::kNever && commands.command() == "/sbin/ifconfig -a";
-    throw ProviderError(sentence + (mayHelp ? "; '--legacy-commands auto' reads the form of newer systems too" : ""));
+    const bool mayHelp = !options.translates && commands.command() == "/sbin/ifconfig -a";
+    throw ProviderError(sentence + (mayHelp ? "; '--translate auto' reads the form of newer systems too" : ""));
 }
 
 [[noreturn]] void refuseEmptyMachine(const ReportOptions& options, const CommandFollower& commands) {
@@ -43,8 +43,7 @@ constexpr const char* kHelp =
 /// @return what could not be collected, a sentence each
 std::vector<std::string> makeReport(const ReportOptions& options, const std::string& file) {
     Run run(options.run, Turn::kHeld);
-    const MachineLayer::Rules rules = {std::chrono::seconds(options.commandLimitSeconds),
-                                       options.legacyCommands == LegacyCommands::kAuto};
+    const MachineLayer::Rules rules = {std::chrono::seconds(options.commandLimitSeconds), options.translates};
     CollectionProgress progress(run, rules);
     ReportOutput output(options, file, run);
     try {
@@ -72,7 +71,7 @@ int collectAndReport(const ReportOptions& options, const std::string& file) {
 }
 
 SuppliedCommands commandsToSupply(const ReportOptions& options) {
-    const bool wanted = options.legacyCommands == LegacyCommands::kAuto && !machines::insidePrivateRoot();
+    const bool wanted = options.translates && !machines::insidePrivateRoot();
     return wanted ? findCommandsToSupply() : SuppliedCommands();
 }
 

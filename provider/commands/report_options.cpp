@@ -45,10 +45,10 @@ constexpr std::array<NamedFormat, 2> kFormats = {{{"text", Format::kText}, {"xml
 
 struct NamedChoice {
     const char* name;
-    LegacyCommands value;
+    bool value;
 };
 
-constexpr std::array<NamedChoice, 2> kChoices = {{{"auto", LegacyCommands::kAuto}, {"never", LegacyCommands::kNever}}};
+constexpr std::array<NamedChoice, 2> kChoices = {{{"auto", true}, {"never", false}}};
 
 constexpr std::size_t kLongestVendor = 4;
 constexpr std::size_t kLongestModule = 64;
@@ -130,11 +130,10 @@ void addOutputOptions(CLI::App& command, ReportOptions& options) {
 }
 
 void addViewOptions(CLI::App& command, ReportOptions& options) {
-    const auto receive = [&options](std::size_t place) { options.legacyCommands = kChoices[place].value; };
-    addOneOf(command, "--legacy-commands", namesOf(kChoices), ",", receive,
-             "Where this machine's commands print newer forms than the parser\n"
-             "reads: run in a private view of it with the older ones (auto,\n"
-             "default), or don't (never)");
+    const auto receive = [&options](std::size_t place) { options.translates = kChoices[place].value; };
+    addOneOf(command, "--translate", namesOf(kChoices), ",", receive,
+             "Hand the parser what the machine prints in the form that it\n"
+             "reads (auto, default), or as it is (never)");
 }
 
 }  // namespace

@@ -29,14 +29,13 @@ constexpr const char* kReportExitHelp =
     "     refused; the reason stands on standard error\n";
 
 enum class Format { kText, kXml };
-enum class LegacyCommands { kAuto, kNever };
 
 /// What `kvl report` was asked for.
 struct ReportOptions {
     LanSelection lan;
     std::string outputFile;  ///< empty: standard output
     Format format = Format::kText;
-    LegacyCommands legacyCommands = LegacyCommands::kAuto;
+    bool translates = true;  ///< hands the library what it reads, whatever form the machine prints
     unsigned commandLimitSeconds = 20;  ///< longest time of one command; 0: none
     RunOptions run;
 };

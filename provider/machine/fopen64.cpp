@@ -46,9 +46,14 @@ AnsweredFiles::~AnsweredFiles() {
 /// Stands in front of libc's own, by which the standard library's streams open files. The program exports it, so the
 /// files that the library reads come through here.
 extern "C" std::FILE* fopen64(const char* path, const char* mode) {
+    // Whoever answers opens files too, and means them as they are.
+    static thread_local bool isAnswering = false;
     const auto& answer = kvl::provider::answer();
-    if (answer && kvl::provider::isRead(mode)) {
-        if (const auto content = answer(path)) {
+    if (answer && !isAnswering && kvl::provider::isRead(mode)) {
+        isAnswering = true;
+        const auto content = answer(path);
+        isAnswering = false;
+        if (content) {
             return kvl::provider::fileWith(*content);
         }
     }

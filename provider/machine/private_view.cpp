@@ -89,9 +89,9 @@ std::string needBubblewrap() {
     std::string bubblewrap = findProgram("bwrap");
     if (bubblewrap.empty()) {
         throw ProviderError(
-            "this machine's commands in /sbin are newer than the parser, and bubblewrap, which can put "
-            "older ones in their place for this program alone, isn't installed: install the package "
-            "bubblewrap, or say '--legacy-commands never' to go without");
+            "this machine lacks commands in /sbin that it has elsewhere, and bubblewrap, which can put them in their "
+            "place for this program alone, isn't installed: install the package bubblewrap, or say '--translate "
+            "never' to go without");
     }
     return bubblewrap;
 }
@@ -137,7 +137,7 @@ int runInPrivateView(const SuppliedCommands& supplied, const std::vector<std::st
     if (!ending.programRan && ending.status < 128) {
         throw ProviderError(
             "bubblewrap could not make a private view of this machine (its own message stands above): "
-            "run kvl as root, or allow user namespaces, or say '--legacy-commands never'");
+            "run kvl as root, or allow user namespaces, or say '--translate never'");
     }
     return ending.status;
 }

@@ -36,7 +36,10 @@ protected:
             fs::rename(ethtool + option + " eth0", ethtool + option + " " + GetParam());
         }
         const std::string files = recording + "/files/etc/sysconfig/network-scripts/ifcfg-";
-        fs::rename(files + "eth0", files + GetParam());
+        const std::string settings = readFile(files + "eth0");
+        fs::remove(files + "eth0");
+        scratch.write((files + GetParam()).substr(scratch.path().size() + 1),
+                      replaced(settings, "DEVICE=\"eth0\"\n", ""));
     }
 
     void rewrite(const std::string& file) const {

@@ -65,7 +65,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUsage{{"report", "-o", ""}, "-o takes the name of a file"},
         WrongUsage{{"report", "-o"}, "--output needs a value: FILE"},
         WrongUsage{{"report", "--format", "json"}, "--format: 'json' is none of text,xml"},
-        WrongUsage{{"report", "--legacy-commands", "always"}, "--legacy-commands: 'always' is none of auto,never"},
+        WrongUsage{{"report", "--translate", "always"}, "--translate: 'always' is none of auto,never"},
         WrongUsage{{"report", "--wait", "-1"}, "--wait: Value -1 not in range 0 to 86400"},
         WrongUsage{{"report", "--wait", "soon"}, "--wait: Value soon not in range"},
         WrongUsage{{"report", "--wait", "86401"}, "--wait: Value 86401 not in range"},
