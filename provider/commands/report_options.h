@@ -35,7 +35,7 @@ struct ReportOptions {
     LanSelection lan;
     std::string outputFile;  ///< empty: standard output
     Format format = Format::kText;
-    bool translates = true;  ///< hands the library what it reads, whatever form the machine prints
+    bool translates = true;             ///< hands the library what it reads, whatever form the machine prints
     unsigned commandLimitSeconds = 20;  ///< longest time of one command; 0: none
     RunOptions run;
 };

@@ -12,6 +12,9 @@ namespace kvl::provider {
 
 namespace {
 
+/// Of EOPNOTSUPP, in the language that the provider environment sets.
+constexpr const char* kNotSupported = "Operation not supported";
+
 /// Bus information that the library takes a PCI location from has at least this many characters.
 constexpr std::size_t kShortestBusInfo = 5;
 
@@ -57,6 +60,14 @@ std::string CollectionProgress::shown(const std::string& text) const {
     return printable(names().textForPeople(text, [](const std::string& name) { return name; }));
 }
 
+/// A driver that says that it doesn't support a setting has answered: the report has no value, and nothing is missing.
+bool CollectionProgress::isAnswer(const FailedCommand& failure) const {
+    const auto& observations = layer_.observations();
+    return std::any_of(observations.begin(), observations.end(), [&failure](const CommandObservation& observation) {
+        return observation.command == failure.command && observation.lastWords.find(kNotSupported) != std::string::npos;
+    });
+}
+
 /// What the machine layer knows of the command is more than the library's trace has.
 std::string CollectionProgress::outcomeOf(const FailedCommand& failure) const {
     for (const CommandObservation& observation : layer_.observations()) {
@@ -79,7 +90,9 @@ std::string CollectionProgress::outcomeOf(const FailedCommand& failure) const {
 std::vector<std::string> CollectionProgress::failures() const {
     std::vector<std::string> sentences;
     for (const FailedCommand& failure : follower_.failures()) {
-        sentences.push_back(shown(describeFailure({failure.command, outcomeOf(failure)})));
+        if (!isAnswer(failure)) {
+            sentences.push_back(shown(describeFailure({failure.command, outcomeOf(failure)})));
+        }
     }
     for (const WithheldBusInfo& withheld : layer_.withheld()) {
         if (isMissedPort(withheld)) {

@@ -35,6 +35,7 @@ public:
 private:
     void follow(TRACE_DBG_LEVEL level, const std::string& text);
     std::string shown(const std::string& text) const;
+    bool isAnswer(const FailedCommand& failure) const;
     std::string outcomeOf(const FailedCommand& failure) const;
     std::string place(const std::string& interface) const;
     void removeResultFiles() const;

@@ -25,7 +25,8 @@ Outcome runProvider(const std::string& arguments) {
 TEST(SmallestProvider, WritesTheReportThatKvlWrites) {
     const Outcome outcome = runProvider("/tmp/report.xml 14e4 && cat /tmp/report.xml");
     EXPECT_EQ(0, outcome.status) << outcome.errors;
-    EXPECT_EQ(replayKvl("one-port", {"report", "--format", "xml", "--vendor", "14e4", "--translate", "never"}).output, outcome.output);
+    EXPECT_EQ(replayKvl("one-port", {"report", "--format", "xml", "--vendor", "14e4", "--translate", "never"}).output,
+              outcome.output);
 }
 
 TEST(SmallestProvider, TellsItsUsage) {

@@ -6,11 +6,13 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <sstream>
 
 #include "host/HostFunctions.h"
 #include "reference_host/trace_observer.h"
+#include "tests/machines/outside.h"
 
 namespace {
 
@@ -20,6 +22,7 @@ using kvl::provider::FailedCommand;
 using TheRun = kvl::provider::Run;
 using kvl::provider::RunOptions;
 using kvl::provider::Turn;
+using kvl::test::ScratchDirectory;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -93,6 +96,26 @@ TEST(CollectionProgress, CountsTheSecondsOfAWaitAnewForEachCommand) {
     beginCommand("/bin/uname -r");
     sleep(0);
     EXPECT_EQ("1 of 10 s  no output yet from /bin/uname -r", run.display().shown());
+}
+
+/// Runs a command as the library does, which fails with these words on standard error.
+std::vector<std::string> failuresOf(const std::string& words) {
+    const ScratchDirectory scratch;
+    const std::string program = scratch.write("ethtool", "#!/bin/sh\necho '" + words + "' >&2\nexit 76\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    std::ostringstream terminal;
+    TheRun run(RunOptions(), Turn::kHeld, std::make_unique<Display>(Display::Mode::kNothing, terminal, 80));
+    const CollectionProgress progress(run, {});
+    const std::string line = program + " -a eth0 > " + (scratch / "ethtool.result") + " 2> /dev/null";
+    CTraceUtility::WriteDebug("m", TRACE_DBG_FLOW, "%s [%s]", kRunner.c_str(), line.c_str());
+    EXPECT_NE(0, std::system(line.c_str()));
+    CTraceUtility::WriteDebug("m", TRACE_DBG_ERROR, "%s [%s] command failed! (0)", kRunner.c_str(), line.c_str());
+    return progress.failures();
+}
+
+TEST(CollectionProgress, TakesADriverThatDoesNotSupportASettingForAnAnswer) {
+    EXPECT_THAT(failuresOf("netlink error: Operation not supported"), testing::IsEmpty());
+    EXPECT_THAT(failuresOf("netlink error: No such device"), ElementsAre(testing::EndsWith("ethtool -a eth0 failed")));
 }
 
 class Interrupt : public testing::TestWithParam<int> {};
