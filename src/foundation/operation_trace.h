@@ -41,7 +41,11 @@ public:
     /// A line at level 32: the format filled with the arguments, without the signature.
     template <typename... Arguments>
     void notice(const char* format, Arguments... arguments) const {
-        CTraceUtility::WriteDebug(module_, TRACE_DBG_NOTICE, format, arguments...);
+        if constexpr (sizeof...(arguments) == 0) {
+            CTraceUtility::WriteDebug(module_, TRACE_DBG_NOTICE, "%s", format);
+        } else {
+            CTraceUtility::WriteDebug(module_, TRACE_DBG_NOTICE, format, arguments...);
+        }
     }
 
 private:
