@@ -1,5 +1,5 @@
 // How the list of adapters grows with the ports: time, lines and bytes read for 64 and for 640 ports, and the exponent
-// between them, beside a bare loop that makes the same passes over the file and does nothing else. The nth key of the
+// between them, next to a bare loop that only makes the same passes over the file. The nth key of the
 // file belongs to the nth port and each lookup reads from the start, so six passes a port make 2 unavoidable.
 //
 // usage: adapter_list_cost
@@ -74,7 +74,7 @@ long passOver(const std::string& path, int ports) {
             }
             std::fclose(file);
             if (port == ports) {
-                break;  // behind the last port the first key alone is looked for
+                break;  // after the last port only the first key is looked for
             }
         }
     }

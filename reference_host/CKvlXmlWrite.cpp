@@ -6,7 +6,7 @@
 
 CKvlXmlWrite::CKvlXmlWrite() = default;
 
-// Not defaulted: that would belong into the class, which is declared for every host alike.
+// Not defaulted: that would belong in the class, which is declared for every host alike.
 CKvlXmlWrite::~CKvlXmlWrite() {}
 
 bool CKvlXmlWrite::writeXML(std::string path, CKvlXmlNode root) {

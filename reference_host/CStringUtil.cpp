@@ -6,7 +6,7 @@
 
 namespace {
 
-// Of its own, since the character functions of the C library depend on the locale.
+// Own code, since the character functions of the C library depend on the locale.
 bool isDigit(char character) {
     return character >= '0' && character <= '9';
 }

@@ -13,7 +13,7 @@
 namespace kvl::host {
 namespace {
 
-// A killed process leaves its temporary file behind, and a later process may have the same number.
+// A killed process leaves its temporary file, and a later process may have the same number.
 constexpr int kNameAttempts = 1000;
 
 // The file to replace, or an empty text for what must not be replaced.
@@ -47,7 +47,7 @@ bool synchronize(int file) {
     return result == 0;
 }
 
-// As far as the file system can: at this point the new file is in its place for everybody who looks.
+// As far as the file system can: by now the new file is in its place for every reader.
 void synchronizeDirectory(const std::string& directory) {
     const char* path = directory.empty() ? "." : directory.c_str();
     const FileDescriptor file(::open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));

@@ -14,10 +14,10 @@ namespace kvl::host {
 /// when the process is killed or the disk is full. The content goes to a temporary file in the same directory
 /// (".kvl-<pid>-<number>.tmp"), which commit() makes safe on the disk and renames. Without a commit() that
 /// succeeds, the temporary file is removed and the target is as it was. A file that takes the place of another has the
-/// permissions of that one, and its owner as far as this process may give files away.
+/// permissions of that one, and its owner if this process may give files away.
 class AtomicFile {
 public:
-    /// What commit() does with a target that is there already.
+    /// What commit() does with a target that exists already.
     enum class Existing { kReplace, kKeep };
 
     /// Opens the temporary file.

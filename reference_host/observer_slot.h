@@ -16,7 +16,7 @@ class ObserverSlot {
 public:
     using Observer = std::function<void(Arguments...)>;
 
-    /// Puts an observer in; an empty one leaves the slot empty. A call that is under way may end later.
+    /// Sets the observer; an empty one leaves the slot empty. A call that is under way may end later.
     void set(Observer observer) {
         std::shared_ptr<const Observer> next;
         if (observer) {

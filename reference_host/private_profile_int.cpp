@@ -9,8 +9,8 @@
 
 namespace {
 
-// The number at the start of the text, whatever stands behind it: 0 without one, and the nearest one that an int
-// holds for one that it doesn't.
+// The number at the start of the text, whatever follows it: 0 without one, and the nearest int for a number that
+// doesn't fit.
 int leadingNumber(const std::string& text) {
     const char* start = text.data();
     const char* end = start + text.size();

@@ -19,7 +19,7 @@ class ProcessGate {
 public:
     enum class Outcome { kEntered, kAlreadyInside, kTimedOut };
 
-    /// Waits for the gate. The thread that entered for an owner is told so when it asks again for the same owner;
+    /// Waits for the gate. The thread that entered for an owner gets kAlreadyInside if it asks again for this owner;
     /// every other thread and owner waits.
     /// @param owner     address of the object that asks
     /// @param deadline  when to give up; never if empty

@@ -21,7 +21,7 @@ public:
 
     /// Opens nothing yet.
     /// @param path   the file; missing directories above it are made
-    /// @param limit  bytes at which the file is changed
+    /// @param limit  bytes at which a new file is started
     explicit TraceFile(std::string path, std::size_t limit = kDefaultLimit);
     ~TraceFile();
 
@@ -32,7 +32,7 @@ public:
     void write(const std::string& line) noexcept;
 
 private:
-    // Throws where no line can be written.
+    // Throws if no line can be written.
     std::unique_ptr<spdlog::sinks::sink> open() const;
 
     const std::string path_;

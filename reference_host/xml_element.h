@@ -11,7 +11,7 @@
 
 namespace kvl::host {
 
-/// What nodes share. An element that more than one node or parent holds is never changed: who wants to change it
+/// What nodes share. An element that more than one node or parent holds is never changed: whoever wants to change it
 /// takes a copy of this one level first, so that a copy of a tree costs no more than a pointer.
 struct XmlElement {
     explicit XmlElement(std::string elementTag) : tag(std::move(elementTag)) {}
@@ -26,7 +26,7 @@ struct XmlElement {
     std::vector<std::shared_ptr<XmlElement>> children;
 };
 
-/// @return the element behind `holder`, for changes; a copy takes its place there first if others hold it too
+/// @return the element that `holder` holds, for changes; a copy takes its place first if others hold it too
 XmlElement& ownElement(std::shared_ptr<XmlElement>& holder);
 
 /// @return how many elements, attributes and links to children this process has copied to keep shared trees unchanged

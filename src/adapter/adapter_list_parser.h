@@ -18,11 +18,11 @@ struct PciLocation {
     int function = -1;
 };
 
-/// Reads the value behind one of the keys for the port with this number, counted from 0, as `findKeyValue` does.
+/// Reads the value of one of the keys for the port with this number, counted from 0, as `findKeyValue` does.
 /// @return false if the list can't be read
 using AdapterListLookup = std::function<bool(const std::string& keys, unsigned int port, KeyValue& result)>;
 
-/// Parses the output of `hbacmd listhbas` into one record a port, up to the first key that the list lacks. The nth
+/// Parses the output of `hbacmd listhbas` into one record per port, up to the first key that the list lacks. The nth
 /// occurrence of a key belongs to the nth port.
 /// @param lookup   is asked for each key of each port, in order
 /// @param records  appended to; keeps the records made before a failure

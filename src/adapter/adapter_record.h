@@ -4,11 +4,11 @@
 #include <map>
 #include <string>
 
-// For providers too: constants, and functions of their arguments alone. Any thread may call; nothing blocks.
+// For providers too: constants, and functions that use only their arguments. Any thread may call; nothing blocks.
 
 namespace kvl {
 
-/// What the adapter list tells of one port, by key.
+/// What the adapter list says about one port, by key.
 using AdapterRecord = std::map<std::string, std::string>;
 
 // What the list calls the address of a port.

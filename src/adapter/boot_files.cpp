@@ -63,7 +63,7 @@ bool runImageCommand(const ImageCommand& image, const AdapterTrace& trace) {
     const unsigned long result =
         CCommon_Information::ExecForeignModule(image.command, "", "", &exitCode, kvl::kNoTimeout);
     if (result == kvl::kFailed || exitCode != 0) {
-        // kept: a detail, and no error.
+        // kept: a detail, not an error.
         trace.flow(image.failure, static_cast<int>(result), static_cast<int>(exitCode));
         return false;
     }

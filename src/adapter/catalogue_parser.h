@@ -13,8 +13,8 @@ struct CatalogueValues {
     std::function<std::string(const std::string& key)> text;
 };
 
-// Each parser asks for the number of entries, SuportDeviceNum, and then for the fields of entry after entry as far as
-// it needs them: Vendor1 and Device1, Vendor2 and so on. The lists are appended to; one that no entry belongs to may be
+// Each parser asks for the number of entries, SuportDeviceNum, and then for the fields that it needs of each entry in
+// turn: Vendor1 and Device1, Vendor2 and so on. The lists are appended to. A list that no entry belongs to may be
 // null.
 
 /// Lists the device numbers of the CNA catalogue, by their last digit. Those that end in another digit are left out.
@@ -31,7 +31,7 @@ void listCnaHardware(const CatalogueValues& catalogue, std::list<std::string>* i
 /// Lists the hardware identifiers of the FC catalogue's vendor.
 void listFcHardware(const CatalogueValues& catalogue, std::list<std::string>* identifiers);
 
-/// Lists the vendor numbers of the CNA catalogue's vendors, one an entry.
+/// Lists the vendor numbers of the CNA catalogue's vendors, one per entry.
 void listCnaVendors(const CatalogueValues& catalogue, std::list<std::string>* vendors);
 
 }  // namespace kvl

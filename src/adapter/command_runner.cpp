@@ -27,7 +27,7 @@ bool waitForOutput(const std::string& resultFile) {
     return false;
 }
 
-/// @param status  what `system` gave for the line
+/// @param status  what `system` returned for the line
 int judgeOutput(const std::string& line, int status) {
     const auto redirection = line.find(kRedirection);
     if (redirection == std::string::npos) {
@@ -41,7 +41,7 @@ int judgeOutput(const std::string& line, int status) {
 int CEmulexCommon::ExecCommand_(std::string command, std::string moduleName) {
     const kvl::OperationTrace operation(moduleName, "static int CEmulexCommon::ExecCommand_(std::string, std::string)");
     const kvl::AdapterTrace trace(moduleName);
-    // kept: with the quotes around the line those inside it go too, so that a path with a blank falls apart.
+    // kept: the quotes inside the line go with those around it, so that a path with a blank falls apart.
     std::string line = "\"" + command + "\"";
     CStringUtil::strReplace(line, "\"", "");
     trace.flow("CEmulexCommon::ExecCommand_() [START]");

@@ -3,7 +3,7 @@
 
 #include <array>
 
-// For providers too: constants, and functions of their arguments alone. Any thread may call; nothing blocks.
+// For providers too: constants, and functions that use only their arguments. Any thread may call; nothing blocks.
 
 namespace kvl {
 
@@ -69,7 +69,7 @@ constexpr std::array<AdapterErrorRow, 23> kAdapterErrors = {{
     {kVersionsDiffer, "versions-differ", "The versions are not equal"},
 }};
 
-/// @return the row of a code, null for a number that is none
+/// @return the row of a code, null for any other number
 constexpr const AdapterErrorRow* findAdapterError(unsigned long number) {
     for (const AdapterErrorRow& row : kAdapterErrors) {
         if (row.number == number) {

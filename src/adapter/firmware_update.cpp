@@ -28,7 +28,7 @@ constexpr unsigned long kDownloadPause = 1000;
 
 /// The update of one adapter function, from its unpacked module.
 struct FirmwareUpdate {
-    const UpdateFamily* family;  ///< Null for a name that is none.
+    const UpdateFamily* family;  ///< Null for an unknown name.
     std::string deviceId;
     std::string folder;  ///< Where the module is unpacked.
     std::string tool;
@@ -164,7 +164,7 @@ bool run(FirmwareUpdate& update, const std::string& moduleDir, std::list<std::st
         return false;
     }
     trace.flow("bios update file name(%s).", update.bootCode);
-    // The boot code goes first: a failure keeps the firmware from being touched.
+    // The boot code goes first: if it fails, the firmware is not touched.
     if (!update.bootCode.empty() && !updateBootCode(update, trace)) {
         return false;
     }
@@ -190,7 +190,7 @@ bool CEmulexCommon::FwUpdate(std::string DeviceID, std::string moduleDir, std::s
     }
     trace.flow("Func Number is [%d]", function);
     const UpdateFamily* family = kvl::findUpdateFamily(uniqueName);
-    // kept: also for a name that is no family's, which is judged when the module is unpacked.
+    // kept: also for an unknown family, which is judged only after the module is unpacked.
     if (function != 0 && (family == nullptr || !family->updatesEveryFunction)) {
         trace.flow("Func Number is not 0.FwUpdate is skipped");
         return end(true);

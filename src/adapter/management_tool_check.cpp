@@ -57,7 +57,7 @@ bool checkConfiguration(const SettingsFile& file, const AdapterTrace& trace) {
 }
 
 /// Looks for the package elxocmjvm, which a silent install leaves out.
-/// @return true unless `grep` tells of a hit
+/// @return true unless `grep` reports a hit
 bool isPackageMissing(const AdapterTrace& trace) {
     const std::string answer = kvl::workPath("temp/rpm_grep_result.txt");
     // kept: the names that rpm prints have no ending, so the pattern hardly ever matches.

@@ -35,7 +35,7 @@ constexpr Script kInstall = {"install.sh", " -q", "temp/temp_ocm_install.txt",
                              "Failed to find update module.There is not ufi file.",
                              "Failed to find update module.There is some ufi file."};
 
-/// Sets a code and tells the operator.
+/// Sets a code and informs the operator.
 void report(kvl::AdapterError code, const std::string& moduleName) {
     CEmulexCommon::SetLastError(code);
     const char* const message = kvl::isCna(moduleName) ? "MSGID_EMULEX_0004_F" : "MSGID_EMULEX_FC_0004_F";
@@ -116,7 +116,7 @@ bool replaceTool(const std::string& directory, const std::string& moduleName, co
     if (!runScript(kUninstall, directory, uninstall, moduleName, trace)) {
         return false;
     }
-    // kept: a module without an install script is found out when the old tool is gone.
+    // kept: a module without an install script is found out only after the old tool is gone.
     const std::string install = findScript(kInstall, directory, found, trace);
     return !install.empty() && runScript(kInstall, directory, install, moduleName, trace);
 }

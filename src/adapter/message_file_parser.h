@@ -28,7 +28,7 @@ struct MessageFileEvents {
 /// a text don't count.
 Messages parseMessageFile(std::istream& text, const MessageFileEvents& events = {});
 
-/// Looks through an updater's output, from where it stands to the first line that holds one of the texts.
+/// Looks through an updater's output, from its position to the first line that holds one of the texts.
 /// @param readLine  called for each line, that one included
 /// @return that line; nothing if there is none
 std::optional<std::string> findMessage(std::istream& output, const std::vector<std::string>& texts,

@@ -4,7 +4,7 @@
 #include <array>
 #include <string>
 
-// For providers too: constants, and functions of their arguments alone. Any thread may call; nothing blocks.
+// For providers too: constants, and functions that use only their arguments. Any thread may call; nothing blocks.
 
 namespace kvl {
 
@@ -20,7 +20,7 @@ constexpr std::array<ModuleDirectory, 3> kModuleDirectories = {{
     {"x86_64", "x64"},
 }};
 
-/// @param machine  as `uname -m` tells it
+/// @param machine  as `uname -m` prints it
 /// @return null if a module has nothing for such a machine
 inline const char* findModuleDirectory(const std::string& machine) {
     for (const ModuleDirectory& row : kModuleDirectories) {

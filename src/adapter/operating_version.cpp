@@ -61,7 +61,7 @@ bool makeDump(const std::string& tool, const std::string& identifier, std::strin
     return true;
 }
 
-/// After a try that brought no dump. The refreshed list is for the next caller, not for this one.
+/// Runs after a try without a dump. The refreshed list is for the next caller, not for this one.
 void pauseAndRefreshList(const std::string& tool, const std::string& moduleName) {
     const AdapterTrace trace(moduleName);
     Sleep(kDumpPause);
@@ -105,7 +105,7 @@ bool refreshCache(const std::string& deviceId, const std::string& cache, const s
     return true;
 }
 
-/// @return null for a kind that no dump tells the version of
+/// @return null for a kind whose version no dump gives
 const char* keyOf(EMULEX_MODULE_KIND kind, const std::string& moduleName) {
     for (const VersionKey& row : kVersionKeys) {
         if (row.kind == kind) {
@@ -142,7 +142,7 @@ std::string withoutParentheses(const std::string& version, const AdapterTrace& t
     return plain;
 }
 
-/// Deletes the cached dumps, as far as they are found.
+/// Deletes the cached dumps that it finds.
 void deleteCachedDumps(const std::string& moduleName) {
     const std::string directory = kvl::cacheDirectory(moduleName);
     std::list<std::string> names;

@@ -28,7 +28,7 @@ std::string calendarText(std::time_t time) {
     return text != nullptr ? text : "";
 }
 
-/// @param listing  a file with one path a line
+/// @param listing  a file with one path per line
 /// @return the path of the file that was modified last
 std::string newestOf(const std::string& listing, const AdapterTrace& trace) {
     std::ifstream paths(listing);
@@ -118,7 +118,7 @@ std::string CEmulexCommon::LatestFile(std::string directory, std::string pattern
     const std::string command = "/bin/ls " + directory + "/" + pattern + " > " + listing + " 2>&1";
     trace.flow("CEmulexCommon::LatestFile() exec[%s]", command);
     std::string newest;
-    // kept: where the command fails its listing stays behind.
+    // kept: where the command fails its listing is not deleted.
     if (std::system(command.c_str()) == 0) {
         trace.flow("CEmulexCommon::LatestFile() cmd=%s", listing);
         newest = newestOf(listing, trace);

@@ -7,7 +7,7 @@
 
 namespace kvl {
 
-/// The lines of an open report, from where it stands. A line of more than 255 characters comes in pieces, each of which
+/// The lines of an open report, from its position on. A line of more than 255 characters comes in pieces, each of which
 /// counts as a line, and a line ends at its first zero byte. A read that fails is taken as the end of the report.
 class ReportLines {
 public:

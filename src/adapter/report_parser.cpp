@@ -12,7 +12,7 @@ namespace {
 
 constexpr const char* kListSeparator = "|";
 
-/// @return the first text of the list that stands in the line, null if there is none
+/// @return the first text of the list that the line holds, null if there is none
 const std::string* firstHeld(const std::list<std::string>& texts, const std::string& line) {
     const auto found =
         std::find_if(texts.begin(), texts.end(), [&line](const std::string& text) { return holds(line, text); });

@@ -13,20 +13,20 @@ using KeyValue = std::pair<std::string, std::string>;
 
 // The parsers of hbacmd's reports: the adapter list, a dump, and its one-line answers.
 
-/// Reads the value behind a key: of the first line that holds one of the keys, and after it the separator and
-/// something that is no blank.
-/// @param keys       alternatives, "|" between them: the first of them that stands in a line counts for that line
+/// Reads the value of a key from the first line that holds one of the keys and, after it, the separator and
+/// something other than a blank.
+/// @param keys       alternatives, "|" between them: the first of them that a line holds counts for that line
 /// @param separator  searched from the start of the key
-/// @param count      how many lines that hold a key are passed over first
-/// @return the key as it stands in `keys` and the value, without blanks around it
+/// @param count      how many lines that hold a key to skip first
+/// @return the key as spelled in `keys` and the value, without blanks around it
 KeyValue findKeyValue(ReportLines report, std::string keys, const std::string& separator, unsigned int count);
 
-/// Reads the value behind a key in the lines that follow a line with one of the tags. The report is read to its end:
-/// once there is a value, each further line with a tag has the one line after it looked at, and a value there takes the
-/// place of the earlier one.
-/// @param tags   alternatives, "|" between them. Each that stands in a line starts a search after that line, or after
+/// Reads the value of a key from the lines that follow a line with one of the tags. The report is read to its end:
+/// once there is a value, only one line is looked at after each further line with a tag, and a value there replaces
+/// the earlier one.
+/// @param tags   alternatives, "|" between them. Each that a line holds starts a search after that line, or after
 ///               the line where the search before it ended
-/// @param count  how many lines with a tag are passed over first; the other arguments are those of `findKeyValue`
+/// @param count  how many lines with a tag to skip first; the other arguments are those of `findKeyValue`
 KeyValue findTagKeyValue(ReportLines report, std::string tags, std::string keys, const std::string& separator,
                          unsigned int count);
 

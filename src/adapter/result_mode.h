@@ -3,7 +3,7 @@
 
 namespace kvl {
 
-/// How the outcome of an updater is told, by the number that a provider passes.
+/// How the outcome of an updater is judged, by the number that a provider passes.
 enum ResultMode : int {
     kByExitCode = 1,   ///< It ends with 0.
     kByFirstLine = 2,  ///< Its output begins with the line "0".

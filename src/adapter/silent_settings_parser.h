@@ -12,7 +12,7 @@ namespace kvl {
 /// What the parser of a settings file meets on its way, in this order for one line. All of them are set.
 struct SilentSettingsEvents {
     std::function<void(const std::string& line)> line;
-    /// One more blank is gone; what is left of the line.
+    /// One more blank was removed; receives the rest of the line.
     std::function<void(const std::string& line)> blankDeleted;
     /// The line without blanks holds a setting's key.
     std::function<void(const Setting& setting, const std::string& line)> found;

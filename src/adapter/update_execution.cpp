@@ -66,7 +66,7 @@ Search search(const std::string& path, const Texts& texts, const SearchTrace& fo
     if (!hit) {
         return Search::kNotFound;
     }
-    // kept: not the text that was found is printed but the place after the last text, which is empty.
+    // kept: prints not the text that was found but the place after the last text, which is empty.
     trace.flow(formats.hit, "", *hit);
     return Search::kFound;
 }

@@ -6,15 +6,15 @@
 
 #include "adapter/adapter_record.h"
 
-// For providers too: constants, and functions of their arguments alone. Any thread may call; nothing blocks.
+// For providers too: constants, and functions that use only their arguments. Any thread may call; nothing blocks.
 
 namespace kvl {
 
-/// How the adapters of one family are updated.
+/// How to update the adapters of one family.
 struct UpdateFamily {
     const char* uniqueName;
-    bool isBeginning;           ///< A name counts that begins so; otherwise it must be equal.
-    bool updatesEveryFunction;  ///< Otherwise function 0 alone.
+    bool isBeginning;           ///< A name that begins so counts; otherwise it must be equal.
+    bool updatesEveryFunction;  ///< Otherwise only function 0.
     const char* firmwarePattern;
     const char* bootCodePattern;  ///< Null without boot code of its own.
     const char* addressKey;       ///< What the adapter list calls the address that the tool wants.
@@ -32,7 +32,7 @@ constexpr std::array<UpdateFamily, 5> kUpdateFamilies = {{
     {"fcelx_8g2p", true, true, "*.all", "*.prg", kWwnKey, kNoWwn},
 }};
 
-/// @return the family of an adapter, null for a name that is none
+/// @return the family of an adapter, null for an unknown name
 inline const UpdateFamily* findUpdateFamily(const std::string& uniqueName) {
     for (const UpdateFamily& family : kUpdateFamilies) {
         const bool begins = uniqueName.rfind(family.uniqueName, 0) == 0;

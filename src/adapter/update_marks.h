@@ -3,7 +3,7 @@
 
 #include <array>
 
-// For providers too: constants, and functions of their arguments alone. Any thread may call; nothing blocks.
+// For providers too: constants, and functions that use only their arguments. Any thread may call; nothing blocks.
 
 namespace kvl {
 

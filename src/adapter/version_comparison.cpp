@@ -36,7 +36,7 @@ int compareNumbers(long first, long second) {
 
 // ---- Four fields ----
 
-/// Checks a version of four fields: digits, and a tail behind the digits of the last.
+/// Checks a version of four fields: digits, and a tail after the digits of the last.
 bool isFourNumbers(const std::string& version) {
     const auto other = std::find_if(version.begin(), version.end(),
                                     [](char character) { return character != '.' && !isDigit(character); });

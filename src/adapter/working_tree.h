@@ -8,7 +8,7 @@ namespace kvl {
 /// @return true if the module name selects the CNA family; any other text selects the FC family
 bool isCna(const std::string& moduleName);
 
-/// @return true if the module name is that of the FC family, for the few rules that hold for this text alone
+/// @return true if the module name is that of the FC family, for the few rules that hold only for this text
 bool isFc(const std::string& moduleName);
 
 /// @param tail  as in "temp/FC"

@@ -11,19 +11,19 @@
 /// files in /opt/tarvenn/kvl/provider/tmp, parses those, and keeps what it found per interface.
 ///
 /// An object is for one thread at a time, and two collections must not run at once on a machine, since a result file is
-/// named after its command alone: nothing is locked. The result directory must be there.
+/// named only after its command: nothing is locked. The result directory must exist.
 ///
 /// An operation that runs a command blocks the caller's thread until the command has ended, however long that takes. A
 /// command that prints nothing costs ten seconds more and counts as failed. An operation whose comment names no command
 /// or file doesn't wait for anything.
 ///
-/// The exceptions are those of a text cut on output that doesn't have the expected form: std::out_of_range with the
-/// text "basic_string::substr". They pass through to the caller and leave the result file behind. `GetCommonMac` raises
-/// the same for a rules file, and `GetIfName` an exception of its own.
+/// Output of unexpected form raises std::out_of_range with the text "basic_string::substr". The exception passes
+/// through to the caller, and the result file stays. `GetCommonMac` raises the same for a rules file. `GetIfName`
+/// raises an exception of its own.
 ///
 /// A full report needs `GetNetworkConfigurations`, `GetEtherConfigurations`, `GetBondingConfifurations` and
-/// `GetRoutingConfigurations` first. Driver data, and the interfaces with them, are also collected by the first
-/// `GetEthtoolData`, VLANs by the first question that needs them; bonds and IPv4 routes never are.
+/// `GetRoutingConfigurations` first. The first `GetEthtoolData` also collects driver data, and the interfaces with
+/// them. The first call that needs VLANs collects those. No other call collects bonds or IPv4 routes.
 class __attribute__((visibility("default"))) CNetworkParameter {
 public:
     /// Runs /bin/uname -r for the kernel release, which stays empty if that fails.
@@ -37,13 +37,13 @@ public:
     /// thrown away. Looks up to ten times, a second apart, for output.
     /// @param format  printf format of the command line, at most 255 characters when filled in; a longer one isn't
     ///                run
-    /// @return 0, or the status of a command that a signal ended, if there is output at the first look; else -1. A
-    ///         command that exits with another status than 0 leaves no result file, one without output does
+    /// @return if the first look finds output, 0 or the status of a command that a signal ended; otherwise -1. A
+    ///         command that exits with a status other than 0 leaves no result file, one without output does
     int ExecCommand(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-    /// Tells where a command line's output goes.
+    /// Finds where a command line's output goes.
     /// @param command     receives the text before the first blank
-    /// @param resultFile  receives the result directory with what stands behind the last "/" of the command
+    /// @param resultFile  receives the result directory and what follows the last "/" of the command
     void GetResultFileName(const char* commandLine, std::string& command, std::string& resultFile);
 
     /// Cuts the name of a command by its first "/": of "/bin/uname -r" that is "bin/uname -".
@@ -58,14 +58,14 @@ public:
     /// @return false, always
     bool isError();
 
-    /// @return what stands behind the first colon and the blanks that follow it (tabs stay)
+    /// @return what follows the first colon and the blanks after it (tabs stay)
     /// @throws std::out_of_range for a text without a colon
     std::string GetColonSeparatedValue(std::string text);
 
-    /// The same for the first colon at or behind `start`.
+    /// The same for the first colon at or after `start`.
     std::string GetColonSeparatedValue(std::string text, unsigned int start);
 
-    /// @param index  how many separators stand before the field; the first character of the text never counts as one.
+    /// @param index  how many separators come before the field; the first character of the text never counts as one.
     ///               Below 1 the field starts at position 1
     /// @return the field, empty if there are fewer separators
     /// @throws std::out_of_range for an index below 1 and an empty text
@@ -86,8 +86,8 @@ public:
 
     // ---- Interfaces: /sbin/ifconfig -a and the ifcfg files ----
 
-    /// Collects all interfaces anew but those whose names hold "lo" or "sit". Every pointer that `GetIfconfigData`
-    /// gave is dead.
+    /// Collects all interfaces again, except those whose names hold "lo" or "sit". Invalidates every pointer that
+    /// `GetIfconfigData` returned.
     /// @return false if the command failed; there are no interfaces then
     bool GetNetworkConfigurations();
 
@@ -106,7 +106,7 @@ public:
 
     // ---- Driver settings: /usr/sbin/ethtool ----
 
-    /// Collects the driver data of every interface, after the interfaces themselves if there are none. What was
+    /// Collects the driver data of every interface, and the interfaces themselves first if there are none. Data
     /// collected before stays as it is.
     /// @return true
     bool GetEtherConfigurations();
@@ -152,8 +152,8 @@ public:
     /// @return false if there is no bonding directory, or nothing in it, or the command failed
     bool GetBondingIfList(strarray_t& bonds);
 
-    /// Collects all bonds anew with /bin/cat. Every pointer that `GetBondingData` gave is dead.
-    /// @return false if a bond couldn't be read; the bonds before it are kept and those behind it are not read
+    /// Collects all bonds again with /bin/cat. Invalidates every pointer that `GetBondingData` returned.
+    /// @return false if a bond couldn't be read; the bonds before it are kept and those after it are not read
     bool GetBondingConfifurations();
 
     /// Parses the result file of a bond's `cat`. @return true
@@ -163,25 +163,25 @@ public:
     ///         collects
     BondingConfig* GetBondingData(std::string ifname);
 
-    /// Traces a record: one line, one for ARP monitoring, one a slave.
+    /// Traces a record: one line, one for ARP monitoring, one per slave.
     void LogBondingConf(std::string ifname, BondingConfig config);
 
-    /// Copies the VLANs, which the first call that finds some reads with /bin/cat.
-    /// @param vlans  entries that are there already stay
+    /// Copies the VLANs. Each call reads them with /bin/cat until one has found some.
+    /// @param vlans  keeps the entries that it has already
     /// @return false if there is no VLAN file or the command failed
     bool GetVLANData(vlanconfmap_t& vlans);
 
     /// Parses the result file of the VLAN file's `cat`. @return false if it can't be read
     bool ParseVlanConfigResult(vlanconfmap_t& vlans);
 
-    /// Tells the interface under a VLAN, from the kernel's table.
+    /// Looks up the interface under a VLAN in the kernel's table.
     /// @param base  untouched if `ifname` is no VLAN
     /// @return true
     bool RemoveVlanId(std::string ifname, std::string& base);
 
     // ---- Routes: /sbin/route, /bin/netstat ----
 
-    /// Collects the IPv4 default routes anew. @return false if the command failed
+    /// Collects the IPv4 default routes again. @return false if the command failed
     bool GetRoutingConfigurations();
 
     /// @return the interface's IPv4 default routes, in the order of the table. It never collects
@@ -200,32 +200,32 @@ public:
     // ---- Names and addresses ----
 
     /// Asks the kernel for its interfaces.
-    /// @param names  emptied first; all but "lo"
+    /// @param names  emptied first; receives all but "lo"
     /// @return false if there are none
     bool GetInterfaceNameList(std::list<std::string>& names);
 
     /// Lists the collected interfaces, in byte order. It never collects.
     void GetInterfaceNameList(strarray_t& names);
 
-    /// Walks the physical interfaces: names that hold "eth" and neither "." nor ":". The list is that of the first
-    /// call that found collected interfaces, or of the last `GetInterfaceNameList` of those.
+    /// Finds a physical interface by number. Its name holds "eth" and neither "." nor ":". The list dates from the
+    /// first call that found collected interfaces, or from the last `GetInterfaceNameList` of those.
     /// @param index  1 for the first
     /// @param name   untouched if there is none
     /// @return false if there is none
     bool GetPhysicalDev(int index, std::string& name);
 
-    /// Tells the physical interface that stands behind a name.
-    /// @param result  the name itself if it is physical, a VLAN's underlying interface, and else the machine's last
+    /// Finds the physical interface under a name.
+    /// @param result  the name itself if it is physical, the interface under a VLAN, otherwise the machine's last
     ///                physical interface, also for a bond; untouched on a machine without one
     void GetPhysicalInterfaceName(std::string ifname, std::string& result);
 
-    /// Looks for the interface whose `ethtool -i` output holds a text, by `grep`.
+    /// Uses `grep` to find the interface whose `ethtool -i` output holds a text.
     /// @param key  the part before its first "-" is looked for; it reaches the shell unquoted
     /// @return the first such interface in the kernel's order; empty if there is none
     /// @throws std::logic_error "basic_string::_S_construct NULL not valid" on a machine without interfaces
     std::string GetIfName(std::string key);
 
-    /// Collects the interfaces anew. @return the MAC address of one; empty if it isn't there
+    /// Collects the interfaces again. @return the MAC address of this one; empty if it isn't there
     std::string GetMacAddress(std::string ifname);
 
     /// Reads HWADDR, else MACADDR, from the interface's ifcfg file.
@@ -246,7 +246,7 @@ public:
     /// @param description  the names of vendor and device with a blank between; empty if there is no such device
     void GetDeviceDescription(std::string location, std::string& description);
 
-    /// Tells the PCI vendor of the physical interface behind a name.
+    /// Looks up the PCI vendor of the physical interface under a name.
     /// @param vendor  in hexadecimal without "0x"; empty if there is no driver data or `lspci` failed; untouched
     ///                for bus information of under five characters, as of a virtual interface
     void GetVendorID(std::string ifname, std::string& vendor);
@@ -258,8 +258,8 @@ public:
     /// @return the first line of the item's file; empty if there is none
     std::string GetVendorDependInfo(std::string ifname, int item);
 
-    /// Records an item, which a later `GetEtherConfigurations` of an object with the same module name reads, unless
-    /// that object has a record of the interface already.
+    /// Records an item. A later `GetEtherConfigurations` of an object with the same module name reads it, unless that
+    /// object has a record of the interface already.
     /// @param value  "#EMP" in the items 0 to 2 means that the field is to be empty; an empty text says nothing
     void SetVendorDependInfo(std::string ifname, int item, std::string value);
 

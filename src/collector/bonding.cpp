@@ -16,7 +16,7 @@ std::string arpLine(const BondingConfig& config) {
     for (const std::string& address : config.arp_ip) {
         line += address + ", ";
     }
-    // kept: without addresses the last ", " is the one behind the interval.
+    // kept: without addresses the last ", " is the one after the interval.
     line.erase(line.rfind(", "), 2);
     return line + ")";
 }

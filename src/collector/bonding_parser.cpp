@@ -60,8 +60,8 @@ constexpr std::array<BondLine, 8> kBondLines = {{
     {"ARP IP target/s", takeArpTargets},
 }};
 
-/// Reads on to a slave's permanent address, over everything else. A slave without one takes the next slave's, which
-/// is lost by that.
+/// Reads on to a slave's permanent address and skips everything else. A slave without one takes the next slave's
+/// address, and that slave is lost.
 /// @return false if the end of the file came first
 bool readPermanentAddress(LineReader& lines, SlaveInterface& slave) {
     std::string line;

@@ -10,7 +10,7 @@ namespace kvl {
 /// @throws std::out_of_range "basic_string::substr" for a text without a colon
 std::string colonSeparatedValue(const std::string& text, std::string::size_type start = 0);
 
-/// @param index  how many separators stand before the field; the first character of the text never counts as one.
+/// @param index  how many separators come before the field; the first character of the text never counts as one.
 ///               Below 1 the field starts at position 1
 /// @return the field, empty if there are fewer separators
 /// @throws std::out_of_range "basic_string::substr" for an index below 1 and an empty text

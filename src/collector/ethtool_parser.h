@@ -7,7 +7,7 @@
 
 namespace kvl {
 
-// The parsers of ethtool's outputs. Each fills the fields of its own group alone. A line that begins with a key of the
+// The parsers of ethtool's outputs. Each fills only the fields of its own group. A line that begins with a key of the
 // group and has no colon raises std::out_of_range "basic_string::substr"; what was read before it stays.
 
 /// Parses `ethtool -i`. What is not there stays as it is; a bus information of under 12 characters gives no location.

@@ -93,7 +93,7 @@ private:
     IfconfigResult& record_;
 };
 
-// kept: the loopback and the tunnels are told by a part of the name, which drops any other name that holds it.
+// kept: a part of the name marks the loopback and the tunnels, which drops any other name that holds it.
 bool isLeftOut(const std::string& ifname) {
     return holds(ifname, "sit") || holds(ifname, "lo");
 }

@@ -22,7 +22,7 @@ constexpr const char* kReleaseFile = "/etc/redhat-release";
 constexpr int kReleaseColumn = 7;
 constexpr std::string::size_type kLongestBusinfo = 11;
 
-/// Where the udev rules that bind addresses to names stand, and in which column of a rule the address is.
+/// The file of the udev rules that bind addresses to names, and the column of a rule that holds the address.
 struct UdevRules {
     const char* file;
     int addressColumn;
@@ -105,8 +105,8 @@ bool CNetworkParameter::GetPhysicalDev(int index, std::string& name) {
 }
 
 void CNetworkParameter::GetPhysicalInterfaceName(std::string ifname, std::string& result) {
-    // kept: the walk leaves the machine's last physical interface behind, which is the answer wherever nothing below
-    // finds a better one.
+    // kept: the walk ends with the machine's last physical interface in the result, which is the answer wherever
+    // nothing below finds a better one.
     for (int index = 1; GetPhysicalDev(index, result); ++index) {
         if (result == ifname) {
             return;
@@ -119,7 +119,7 @@ void CNetworkParameter::GetPhysicalInterfaceName(std::string ifname, std::string
                 businfos.insert(ethtool->driver_info.businfo);
             }
         }
-        // kept: no PCI location derives to a text that long, so the walk finds no slave.
+        // kept: no PCI location gives a text that long, so the walk finds no slave.
         for (const auto& [name, ethtool] : ethtool_map) {
             const std::string& businfo = ethtool.driver_info.businfo;
             if (businfo.size() > kLongestBusinfo && !businfos.empty() && businfo == *businfos.begin()) {
@@ -144,7 +144,7 @@ std::string CNetworkParameter::GetIfName(std::string key) {
     trace.enter();
     std::list<std::string> names;
     if (!GetInterfaceNameList(names)) {
-        // kept: no empty text, but the exception of a text made from nothing.
+        // kept: not an empty text but the exception of a text made from null.
         throw std::logic_error("basic_string::_S_construct NULL not valid");
     }
     std::string result;

@@ -10,7 +10,7 @@ namespace kvl {
 
 constexpr const char* kIfcfgPrefix = "/etc/sysconfig/network-scripts/ifcfg-";
 
-/// @return the number that the text begins with, in decimal; 0 if it is no number
+/// @return the decimal number that the text begins with; 0 if there is none
 inline int toNumber(const std::string& text) {
     return static_cast<int>(std::strtol(text.c_str(), nullptr, 10));
 }
@@ -27,7 +27,7 @@ inline std::string pciLocation(const std::string& busInfo) {
     return cut(busInfo, 5, 7);
 }
 
-/// A record dump goes through a buffer of 1024 bytes. @return what of it fits
+/// A record dump goes through a buffer of 1024 bytes. @return the part that fits
 inline std::string cutToDump(const std::string& text) {
     return text.substr(0, 1023);
 }

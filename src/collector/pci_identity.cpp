@@ -47,7 +47,7 @@ void CNetworkParameter::GetVendorID(std::string ifname, std::string& vendor) {
             GetFourIds(location, ids);
             kvl::takeColumn(ids, 1, vendor);
         } catch (const std::out_of_range&) {
-            // Too short to hold a location, as of a virtual interface: the caller's text stays.
+            // Too short for a location, as for a virtual interface: the caller's text stays.
         }
     } else {
         vendor.clear();

@@ -49,7 +49,7 @@ struct IfconfigResult {
 /// A vendor's utility.
 struct UtilityInfo {
     std::string name;     ///< Never empty.
-    std::string version;  ///< Empty if the item was not told.
+    std::string version;  ///< Empty if the item was not given.
 };
 
 /// Identity of a driver, from `ethtool -i`.

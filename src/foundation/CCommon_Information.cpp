@@ -30,7 +30,7 @@ struct Pipe {
     Descriptor writeEnd;
 };
 
-/// Opens a pipe, patiently where the process has no descriptor left for the moment.
+/// Opens a pipe, with several attempts, since the process may have no descriptor left for the moment.
 bool openPipe(Pipe& opened) {
     for (int attempt = 1;; ++attempt) {
         std::array<int, 2> ends{};

@@ -8,7 +8,7 @@
 ///
 /// All operations are static, hold no data and may be called from any thread, but no other thread may close or replace
 /// the descriptors 0 to 2 meanwhile. They block the caller's thread until they are done: where a command is run, until
-/// it has ended, without a limit unless there is a parameter for it. A time is seen to be over up to a second late.
+/// it has ended, without a limit unless there is a parameter for it. A timeout is noticed up to a second late.
 class __attribute__((visibility("default"))) CCommon_Information {
 public:
     // ---- Other programs ----
@@ -40,26 +40,26 @@ public:
 
     /// Runs a command without a limit of time and reads its first line.
     /// @return the line without its line feed, 255 characters at most; empty if the command fails, exits with
-    ///         another status than 0, or prints nothing
+    ///         a status other than 0, or prints nothing
     static std::string GetResultLine(const std::string& command);
 
     /// Takes the next token off the front of a text. Empty tokens count.
-    /// @param text  becomes what stands behind the separator, empty if there is none
+    /// @param text  becomes what follows the separator, empty if there is none
     /// @return the part before the separator, or all of it
     static std::string MyStrTok(std::string* text, char separator);
 
     // ---- Files ----
 
-    /// @return true if the path can be opened for reading, be it a file or a directory
+    /// @return true if the path can be opened for reading, whether a file or a directory
     static bool MyPathFileExists(const std::string& path);
 
-    /// Deletes a file, in up to five attempts with 55 seconds of `Sleep` at most between and behind them.
+    /// Deletes a file, in up to five attempts with 55 seconds of `Sleep` at most between and after them.
     /// @return true if the path can't be opened for reading any more, whoever deleted it; a file that can't be read
     ///         counts as absent and stays
     static bool RetryDeleteFile(const std::string& path);
 
     /// Copies a file. A new target gets the mode 0774, less the umask. A file copied onto itself ends up empty.
-    /// @param overwrite  false fails on a target that is there already, and leaves it alone
+    /// @param overwrite  false fails on a target that exists, and leaves it alone
     /// @return false if a file can't be opened, or reading or writing fails; in the latter case the target is deleted.
     ///         A write of fewer bytes than were read isn't noticed
     static bool CopyFileA(std::string source, std::string target, bool overwrite);
@@ -81,11 +81,11 @@ public:
 
     /// Compares the initial RAM disk of the boot loader's default entry with the running kernel. The configuration is
     /// /boot/efi/EFI/redhat/grub.conf after a boot by EFI, otherwise /boot/grub/grub.conf.
-    /// @return 0 the RAM disk is the running kernel's; 1 it isn't, or its name has a path in front; 255 that can't be
-    ///         told
+    /// @return 0 the RAM disk is the running kernel's; 1 it isn't, or its name has a path in front; 255 it could
+    ///         not be determined
     static int CheckRAMDISK(const std::string& moduleName);
 
-    /// Judges a driver by its installed file, as `modinfo -F version` tells.
+    /// Judges a driver by its installed file, from what `modinfo -F version` prints.
     /// @param version  the version that is expected
     /// @param driver   the kernel module's name; the command is cut to 4127 characters
     /// @return 0 the driver has that version; 256 it has another one, and the default boot entry's RAM disk isn't that
@@ -102,8 +102,8 @@ public:
     /// @return false if a part is missing
     static bool GetPCIInfo(std::string DeviceID, int* pciNo, int* devNo, int* funcNo, const std::string& moduleName);
 
-    /// @param DeviceID  a hexadecimal number, ":", and something behind it
-    /// @return the number; -1 if it has no digit or is negative as an `int`, or nothing stands behind the ":"
+    /// @param DeviceID  a hexadecimal number, ":", and something after it
+    /// @return the number; -1 if it has no digit or is negative as an `int`, or nothing follows the ":"
     static int GetPCISlotNo(std::string DeviceID, const std::string& moduleName);
 };
 

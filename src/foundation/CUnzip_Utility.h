@@ -20,9 +20,9 @@ public:
 
     /// Unpacks an archive, overwriting files without a question. What `unzip` prints goes to the output of this
     /// process.
-    /// @param zipPath  the archive. It stands between double quotes in a shell's command of at most 8223 characters
-    /// @param outPath  an existing directory; it stands there likewise
-    /// @return false if there is no such directory or `unzip` ends with another status than 0, a warning's included
+    /// @param zipPath  the archive. It goes between double quotes into a shell command of at most 8223 characters
+    /// @param outPath  an existing directory; it goes there likewise
+    /// @return false if there is no such directory or `unzip` ends with a status other than 0, a warning's included
     static bool Unzip(std::string zipPath, std::string outPath, std::string moduleName);
 
     /// Unpacks the first archive of a list, which is the first name that holds ".zip" anywhere.

@@ -14,7 +14,7 @@ struct BootConfigurationEvents {
     std::function<void(int number)> defaultNumber = [](int) {};
     /// The default line has no number.
     std::function<void()> noDefaultNumber = [] {};
-    /// A line holds a word that is looked for, whatever stands in front of it.
+    /// A line holds a word that is looked for, whatever comes before it.
     std::function<void(const char* word, const std::string& line)> found = [](const char*, const std::string&) {};
 };
 
@@ -29,7 +29,7 @@ public:
     /// @return false if there is none
     bool findDefaultTitle(std::string& line);
 
-    /// Walks to the next line that names a RAM disk, be it in this entry or in a later one.
+    /// Walks to the next line that names a RAM disk, in this entry or in a later one.
     /// @param ramDisk  receives the name without the "/" in front
     /// @return false if there is none
     bool findRamDisk(std::string& ramDisk);

@@ -12,7 +12,7 @@ namespace kvl {
 /// @return true if there is such a column
 bool takeColumn(const std::string& line, int column, std::string& result);
 
-/// Looks for a key that ends at a blank or at the end of the line; what stands before it doesn't matter.
+/// Looks for a key that ends at a blank or at the end of the line; what comes before it doesn't matter.
 /// @return its position in `line`, or -1
 int keyPosition(const std::string& key, const std::string& line);
 

@@ -3,8 +3,8 @@
 
 namespace kvl {
 
-/// @param status  what `system` gave
-/// @return true if the command could not be run or exited with another status than 0. One that a signal ended did
+/// @param status  what `system` returned
+/// @return true if the command could not be run or exited with a status other than 0. One that a signal ended did
 ///         neither
 inline bool exitedWithFailure(int status) {
     return status < 0 || ((status >> 8) & 0xff) != 0;

@@ -5,7 +5,7 @@
 
 namespace kvl {
 
-/// @return true if the path can be opened for reading, be it a file or a directory
+/// @return true if the path can be opened for reading, whether a file or a directory
 bool canOpen(const std::string& path);
 
 /// @return true if `stat` of the path succeeds

@@ -9,7 +9,7 @@ namespace kvl {
 
 /// Reads a text line by line through a 256-byte buffer.
 ///
-/// A line is what stands before a line feed, cut at its first zero byte. A carriage return stays in it. Of a line
+/// A line is the text before a line feed, cut at its first zero byte. A carriage return stays in it. Of a line
 /// that doesn't fit the buffer the first 255 bytes are taken and the rest is dropped. A read that fails for
 /// another reason, as in a directory or a file that could not be opened, is taken as the end of the text.
 class LineReader {
@@ -34,7 +34,7 @@ public:
     /// @param text  must outlive this object
     LinesBeginningKey(std::istream& text, std::string key);
 
-    /// @return false if there is no further line; `line` then is of no use
+    /// @return false if there is no further line; `line` is of no use then
     bool next(std::string& line);
 
 private:
@@ -50,7 +50,7 @@ public:
     /// @param text  must outlive this object
     LinesContainingKey(std::istream& text, std::string key);
 
-    /// @return false if there is no further line; `line` then is of no use
+    /// @return false if there is no further line; `line` is of no use then
     bool next(std::string& line);
 
 private:

@@ -17,12 +17,12 @@ public:
         : module_(moduleName.c_str()), signature_(signature) {}
 
     void enter() const { boundary("[ENTER] ", ""); }
-    /// With one blank and a value behind the signature.
+    /// With one blank and a value after the signature.
     void enter(const std::string& value) const { boundary("[ENTER] ", " " + value); }
     void leave() const { boundary("[LEAVE] ", ""); }
-    /// With one blank and a value behind the signature.
+    /// With one blank and a value after the signature.
     void leave(const std::string& value) const { boundary("[LEAVE] ", " " + value); }
-    /// With ", rc=" and the number behind the signature.
+    /// With ", rc=" and the number after the signature.
     void leaveResult(int result) const { boundary("[LEAVE] ", ", rc=" + std::to_string(result)); }
 
     /// A line at level 1: the signature, one blank, and the format filled with the arguments. A format without

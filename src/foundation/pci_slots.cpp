@@ -23,7 +23,7 @@ bool CCommon_Information::GetPCIInfo(std::string DeviceID, int* pciNo, int* devN
                                      const std::string& moduleName) {
     const kvl::BoundaryTrace trace(moduleName, "CCommon_Information::GetPCIInfo");
     if (takeNumber(&DeviceID, ':', pciNo) && takeNumber(&DeviceID, '.', devNo) && takeNumber(&DeviceID, '-', funcNo)) {
-        // kept: what is printed as the DeviceID is what is left of it.
+        // kept: only the rest of the DeviceID is printed as the DeviceID.
         CTraceUtility::WriteDebug(moduleName.c_str(), TRACE_DBG_FLOW,
                                   "CCommon_Information::GetPCIInfo DeviceID=%s, PCINo=%d, DevNo=%d, FuncNo=%d",
                                   DeviceID.c_str(), *pciNo, *devNo, *funcNo);

@@ -48,7 +48,7 @@ void becomeShell(const std::string& command) {
 }
 
 unsigned long waitForChild(pid_t child, unsigned long timeout, unsigned long* exitCode) {
-    int status = -1;  // reads as "not exited by itself" where waitpid has nothing to say
+    int status = -1;  // reads as "not exited by itself" where waitpid reports nothing
     if (timeout == kNoTimeout) {
         return waitpid(child, &status, kWaitOptions) == -1 ? kFailed : judge(status, exitCode);
     }

@@ -21,7 +21,7 @@ bool canRun(const std::string& command, const std::string& workDir);
 /// @return false if that failed
 bool becomeStandardOutput(int descriptor);
 
-/// Turns this process, a forked child, into `sh -c command`. Ends it with status 1 where that fails, without the
+/// Turns this process, a forked child, into `sh -c command`. Ends it with status 1 if that fails, without the
 /// parent's exit handlers and buffers.
 [[noreturn]] void becomeShell(const std::string& command);
 

@@ -19,7 +19,7 @@ bool beginsWith(const std::string& text, const char* beginning);
 bool holds(const std::string& text, const std::string& part);
 
 /// Cuts a part out of a text.
-/// @throws std::out_of_range "basic_string::substr" if `position` lies behind the end, the same text with every
+/// @throws std::out_of_range "basic_string::substr" if `position` lies past the end, the same text with every
 ///         compiler's library
 std::string cut(const std::string& text, std::string::size_type position,
                 std::string::size_type length = std::string::npos);
@@ -28,7 +28,7 @@ std::string cut(const std::string& text, std::string::size_type position,
 std::string upTo(const std::string& text, char end);
 
 /// Takes the next token off the front of a text. Empty tokens count.
-/// @param text  becomes what stands after the separator, empty if there is none
+/// @param text  becomes what follows the separator, empty if there is none
 /// @return the part before the separator, or all of it
 std::string takeToken(std::string& text, char separator);
 

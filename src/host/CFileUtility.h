@@ -4,7 +4,7 @@
 #include <list>
 #include <string>
 
-/// File services of the loading process. A missing file or directory is a normal result, told by the
+/// File services of the loading process. A missing file or directory is a normal result, reported by the
 /// returned value. The library calls on the thread that called it, and waits as long as the file system does.
 class __attribute__((visibility("default"))) CFileUtility {
 public:
@@ -13,7 +13,7 @@ public:
     static std::string GetInstallPath(int kind);
 
     /// Creates a directory with its missing parents.
-    /// @return true also where it was there already
+    /// @return true also if it existed already
     static bool CreateFolder(std::string path);
 
     /// @return true if the path exists, whatever it is

@@ -17,7 +17,7 @@ public:
     /// @return `text`, unchanged
     static std::string StringToTstring(std::string text);
 
-    /// @return the value of the leading decimal digits of `text`, whatever stands behind them; 0 without any
+    /// @return the value of the leading decimal digits of `text`, whatever follows them; 0 without any
     static long TStringToNumber(std::string text);
 
     /// @return `text` with its letters in upper case
@@ -26,7 +26,7 @@ public:
     /// Cuts a text at each separator.
     /// @param text       stays as it is
     /// @param separator  one character
-    /// @return the fields in order, without the separators; the whole text where none stands in it
+    /// @return the fields in order, without the separators; the whole text if it holds none
     static std::list<std::string> Split(std::string& text, const std::string& separator);
 };
 

@@ -1,8 +1,8 @@
 #ifndef KVL_HOST_HOSTFUNCTIONS_H
 #define KVL_HOST_HOSTFUNCTIONS_H
 
-// Services of the loading process in the form of functions. The library calls them on the thread that called it; but
-// for `Sleep` they wait as long as the file system does.
+// Services of the loading process in the form of functions. The library calls them on the thread that called it. All
+// but `Sleep` wait as long as the file system does.
 
 // An executable that hides its own symbols still exports these.
 #pragma GCC visibility push(default)

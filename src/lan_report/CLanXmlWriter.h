@@ -11,15 +11,15 @@
 /// Turns what a collector knows into an XML tree, limited to the interfaces of some PCI vendors.
 ///
 /// The four section operations each append a section to the root in the order of the calls; `Write` and `GetNicNode`
-/// see what was appended before them. The writer runs no command itself, but the collector's questions do; each
-/// operation names theirs, and blocks the caller's thread as long as they do. A writer is for the thread that its
-/// collector is for. Where the collector has no driver data yet, the first question for them collects, and the
-/// collector's std::out_of_range for output of unexpected form passes through.
+/// see what was appended before them. The writer runs no command itself, but the collector does; each
+/// operation names the commands, and blocks the caller's thread as long as the collector does. A writer is for the
+/// thread that its collector is for. Where the collector has no driver data yet, the first operation that needs them
+/// collects them, and the collector's std::out_of_range for output of unexpected form passes through.
 ///
 /// Nearly every value is a parameter element: a node with the tag "attr" and the attributes "name" and "value".
 class __attribute__((visibility("default"))) CLanXmlWriter {
 public:
-    /// Makes a document with the empty root "data". Asks nothing and traces nothing.
+    /// Makes a document with the empty root "data". Asks the collector nothing and traces nothing.
     /// @param targetVendors  PCI vendors in hexadecimal without "0x"; upper and lower case are the same. None named
     ///                       means no interface
     /// @param parameter      the collector, which must outlive this object
@@ -71,7 +71,7 @@ public:
     // ---- Vendors and membership ----
 
     /// Runs `lspci -mns`, as the next two do.
-    /// @return true if the vendor of the physical interface behind this name is a target
+    /// @return true if the vendor of the physical interface under this name is a target
     bool isTargetVendor(std::string ifname);
 
     /// @return true if a slave of this bond is of a target vendor

@@ -10,7 +10,7 @@ inline const char* portState(bool up) {
     return up ? "Enabled" : "Disabled";
 }
 
-/// @param unknown  the value for a setting that no file told; it differs from section to section
+/// @param unknown  the value for a setting that no file gave; it differs from section to section
 inline const char* onboot(int value, const char* unknown) {
     if (value == -1) {
         return unknown;

@@ -33,7 +33,7 @@ void CLanXmlWriter::SetVirtualInfo() {
     }
     for (const auto& [name, vlan] : vlans) {
         const IfconfigResult* ifconfig = m_pNetworkParameter->GetIfconfigData(name);
-        if (ifconfig == nullptr) {  // kept: told before the vendor is asked for
+        if (ifconfig == nullptr) {  // kept: traced before the vendor is asked for
             trace.detail(kvl::kPortFailure, name.c_str());
             continue;
         }

@@ -241,7 +241,7 @@ TEST_F(HbaInfo, LooksAtTheFunctionOnTheNextLineOnly) {
 }
 
 TEST_F(HbaInfo, IsThereForALineOfJustSeventeenCharactersWhoseNumberIsZero) {
-    // The line feed is the seventeenth character; behind it stands nothing, which reads as 0.
+    // The line feed is the seventeenth character; nothing follows it, which reads as 0.
     machine.file(kListFile,
                  "Port WWN       : a\nPort Number    : 0\nPCI Bus Number:0\nPCI Function   :0\nPort Type      : FC\n"
                  "Serial No.     : VM1\n");
@@ -279,7 +279,7 @@ TEST_F(HbaInfo, TakesThePiecesOfALongLineForLines) {
     EXPECT_EQ(find("5:4.0"), "(none)");
     machine.file(kListFile, textWith(number + std::string(245 - number.size(), ' ') + location));
     EXPECT_EQ(find("5:1.0"), "(none)");
-    // The next line behind the bus is the rest of its own.
+    // The next line after the bus is the rest of its own.
     machine.file(kListFile,
                  textWith("Port Number    : 0\nPCI Bus Number : 5" + std::string(300, ' ') + "\nPCI Function   : 8\n"));
     EXPECT_EQ(find("5:1.0"), "(none)");

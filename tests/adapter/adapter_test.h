@@ -144,7 +144,7 @@ protected:
         CEmulexCommon::SetLastError(0);
     }
 
-    /// Has the test call with another module name, and lets that one alone trace.
+    /// Has the test call with another module name, and lets only that one trace.
     void useModule(const std::string& name) {
         module = name;
         allowedModules = {name};

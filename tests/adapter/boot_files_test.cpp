@@ -387,7 +387,7 @@ TEST_F(Depmod, FailsWhereDepmodFails) {
 }
 
 TEST_F(Depmod, FailsWhereASignalEndsTheShell) {
-    // The shell may have made itself the program, or wait for it and tell of the signal by its status.
+    // The shell may have made itself the program, or wait for it and report the signal by its status.
     machine.command("/sbin/depmod -a", "", kvl::machines::Ending::bySignal(SIGKILL));
     EXPECT_FALSE(execute(0));
     const std::string failed = R"(
@@ -472,7 +472,7 @@ protected:
         return CEmulexCommon::DracutExcute(module);
     }
 
-    /// The commands that shells were told to run, of which none is known from then on.
+    /// Returns the commands that shells were asked to run, and forgets them.
     static Lines takeCommands() {
         Lines lines;
         std::string rest = contentOf("/tmp/commands");

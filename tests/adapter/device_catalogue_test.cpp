@@ -38,7 +38,7 @@ protected:
         machine.file(path, text);
     }
 
-    /// @return the four lists behind one another, with "|" between
+    /// @return the four lists one after another, with "|" between
     std::string deviceIds(const std::string& file) {
         Texts lists[4];
         EXPECT_TRUE(CEmulexCommon::GetDeviceIdList(file, &lists[0], &lists[1], &lists[2], &lists[3], module));

@@ -157,7 +157,7 @@ inline const std::string kBootCodeAndFirmwareSent = R"(
     4 CEmulexCommon::FwUpdate() [END]
 )";
 
-/// Updates of a module behind an earlier error that a good call leaves. The tool writes everything at once; the
+/// Updates of a module after an earlier error that a good call leaves. The tool writes everything at once; the
 /// directories of the result file are there, as the caller makes them.
 class FwUpdate : public UpdateTest {
 protected:

@@ -274,7 +274,7 @@ protected:
         }
     }
 
-    /// What the shell's commands print is not for the eyes of who runs the tests.
+    /// Hides what the shell's commands print from whoever runs the tests.
     bool check(const std::string& kind = "kind") {
         const DescriptorInFile output(STDOUT_FILENO, "/tmp/output");
         const DescriptorInFile errors(STDERR_FILENO, "/tmp/errors");

@@ -70,7 +70,7 @@ inline const std::string kUpdated = R"(
     4 CEmulexCommon::OCMUpdate() [END]
 )";
 
-/// A 64-bit machine and a module with scripts for it. `unzip` puts the files of /tmp/module where it is told to.
+/// A 64-bit machine and a module with scripts for it. `unzip` puts the files of /tmp/module where it is asked to.
 class ManagementToolUpdate : public UpdateTest {
 protected:
     void SetUp() override {
@@ -124,7 +124,7 @@ protected:
     /// What runs up to the scripts.
     static Lines unpackCommands() { return {"/bin/unzip -o /tmp/modules/tool.zip -d " + kScratch, "/bin/uname -m"}; }
 
-    /// The call that makes a directory's files runnable, which are named in order.
+    /// The call that makes the files of a directory runnable, named in order.
     static std::string chmodCall(const Lines& names, const std::string& directory = kDirectory) {
         std::string call = "/bin/chmod 777";
         for (const std::string& name : names) {
@@ -144,7 +144,7 @@ protected:
         return {"/bin/uname -m", chmodCall(names, directory)};
     }
 
-    /// A failure that the debug trace alone tells of.
+    /// A failure that only the debug trace reports.
     void expectFailure(unsigned long code, const Lines& trace) {
         EXPECT_FALSE(update());
         EXPECT_EQ(TestHost::trace(), trace);
@@ -152,7 +152,7 @@ protected:
         EXPECT_THAT(TestHost::operatorMessages(), testing::IsEmpty());
     }
 
-    /// A failure that the operator is told of, under three module names.
+    /// A failure that is reported to the operator, under three module names.
     void expectReportedFailure(unsigned long code, const std::string& codeText, const std::function<bool()>& call,
                                const Lines& trace) {
         const std::pair<std::string, std::string> rows[] = {
@@ -170,7 +170,7 @@ protected:
         EXPECT_FALSE(std::filesystem::exists(kInstallOutput));
     }
 
-    /// What is left in the directory of the work files, but for the directories of the families.
+    /// What is left in the directory of the work files, except the directories of the families.
     static Lines filesLeft() {
         Lines names;
         for (const std::string& name : namesIn(kTemp)) {

@@ -70,7 +70,7 @@ protected:
         return kTool + " GetDumpDirectory " + address + " > " + kDirectoryFile;
     }
 
-    /// A dump that is made and whose directory is told.
+    /// A dump that is made and whose directory is reported.
     static Lines dumpTrace(const std::string& address = kAddress) {
         return execTrace(kTool + " dump " + address) + execTrace(directoryCommand(address)) +
                Lines{keyTrace(kDirectoryFile, "Dump Directory", "=")};

@@ -7,7 +7,7 @@
 
 namespace kvl::test {
 
-/// Updaters and the checks of their output, behind an earlier error that a good call leaves.
+/// Updaters and the checks of their output, after an earlier error that a good call leaves.
 class UpdateExecution : public UpdateTest {
 protected:
     static constexpr unsigned long kEarlierError = 38;

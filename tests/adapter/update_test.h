@@ -31,7 +31,7 @@ inline std::string textOf(const Lines& lines) {
 /// A test of an update: a tool that is laid down answers each of its calls in a way of its own.
 class UpdateTest : public AdapterTest {
 protected:
-    /// Lays down a program whose n-th call carries out the n-th script, and each call behind those the last. It notes
+    /// Lays down a program whose n-th call carries out the n-th script, and each call after those the last. It notes
     /// every call.
     void layTool(const std::string& path, const Lines& scripts) {
         machine.file(kCalls, "");

@@ -8,7 +8,7 @@
 #include "tests/support/collector_test.h"
 
 // Every command of the collection and every file that it reads, spoilt in every way: the outcome is the promised one,
-// it comes without an endless wait, and no leak, descriptor or child is left behind (the fixture and the sanitizers
+// it comes without an endless wait, and no leak, descriptor or child is left over (the fixture and the sanitizers
 // look for those).
 
 namespace kvl::test {

@@ -234,7 +234,7 @@ TEST_F(ExecEthtoolK, TakesOnFollowedByMoreTextAsOn) {
     EXPECT_EQ(result.sg, 1);
     EXPECT_EQ(result.tso, 0);
     EXPECT_EQ(result.ufo, 0);
-    EXPECT_EQ(result.gso, 0);  // behind a tab
+    EXPECT_EQ(result.gso, 0);  // after a tab
     EXPECT_EQ(result.gro, 1);
 }
 

@@ -79,7 +79,7 @@ TEST_F(Recordings, DriverSettingsOfARealMachine) {
     EXPECT_EQ(eth2.rcs, 1);
     EXPECT_EQ(eth2.ufo, -1);      // this ethtool has no such line any more
     EXPECT_EQ(eth2.lro, 0);       // off [fixed]
-    EXPECT_EQ(eth2.autonego, 0);  // on, behind a tab
+    EXPECT_EQ(eth2.autonego, 0);  // on, after a tab
     EXPECT_EQ(eth2.pause_rx, 0);
     EXPECT_EQ(eth2.pause_tx, 0);
     EXPECT_EQ(eth2.pre_rx, 4096);

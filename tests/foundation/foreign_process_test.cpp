@@ -25,7 +25,7 @@ protected:
         return CCommon_Information::POpenForeignModule(command, &pipeFd, workDir, &exitCode, timeout);
     }
 
-    /// Runs a command while the next pipes fail. They are told here, since the sanitizer's first look at this object
+    /// Runs a command while the next pipes fail. They are set here, since the sanitizer's first look at this object
     /// opens a pipe itself.
     unsigned long runWithFailingPipes(int count, const std::string& command) {
         libc().failingPipes = count;
@@ -69,7 +69,7 @@ protected:
         return waitid(P_ALL, 0, &child, WEXITED | WNOWAIT | WNOHANG) == 0 && child.si_pid != 0;
     }
 
-    /// As the kernel tells it: 'R' runs, 'S' waits, 'Z' has ended.
+    /// As the kernel reports it: 'R' runs, 'S' waits, 'Z' has ended.
     static char stateOf(const std::string& process) {
         const std::string stat = contentOf("/.proc/" + process + "/stat");
         const auto name = stat.rfind(") ");

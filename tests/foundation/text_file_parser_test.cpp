@@ -146,7 +146,7 @@ TEST_F(GetStrInFixedPosition, CutsColumnsOfALine) {
         {"one", 1, true, "one"},
         {"one   two", 2, true, "two"},         // a run of blanks separates once
         {"one\ttwo three", 2, true, "three"},  // a tab separates nothing
-        {"one two ", 3, true, ""},             // behind a trailing blank
+        {"one two ", 3, true, ""},             // after a trailing blank
         {"one two ", 4, false, ""},
         {"one two   ", 3, true, ""},
         {"one two   ", 4, false, ""},

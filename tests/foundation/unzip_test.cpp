@@ -204,7 +204,7 @@ protected:
         return CUnzip_Utility::UpdateModuleUnzip(directory, &files, kOut, &baseName, kModule);
     }
 
-    /// What a call traces that has this to say behind its arguments.
+    /// The trace of a call that traces these lines after its arguments.
     static Lines traceOf(const std::string& zipPath, const Lines& lines, const std::string& outPath = kOut) {
         return Lines{start("Unzip"),
                      "1 CUnzip_Utility::Unzip ARG Check tsZipPath=" + zipPath + " tsOutPath=" + outPath} +

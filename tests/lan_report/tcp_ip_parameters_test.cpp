@@ -142,7 +142,7 @@ TEST_F(TcpIpParameters, WritesNoNodeForAnAliasWithoutAnAddress) {
 
 TEST_F(TcpIpParameters, FindsAliasesByAnyPartOfTheName) {
     layAddress("eth0", "10.0.0.5");
-    layAddress("veth0:1", "10.0.0.6");  // holds "eth0:" behind its beginning
+    layAddress("veth0:1", "10.0.0.6");  // holds "eth0:" after its beginning
     layAddress("eth0:1:2", "10.0.0.7");
     collect();
     EXPECT_EQ(addressesOf("eth0"), (Lines{ipv4Address("10.0.0.5"), ipv4Address("10.0.0.7"), ipv4Address("10.0.0.6")}));

@@ -10,7 +10,7 @@ using CheckTeamMember = WriterTest;
 using CheckExistVlan = WriterTest;
 using SetVlanParameters = WriterTest;
 
-/// An interface whose card no command tells about, and whose vendor therefore is an empty text.
+/// An interface whose card no command reports, and whose vendor therefore is an empty text.
 Lines unknownVendor(const std::string& ifname, const std::string& compared) {
     return Lines{enter(kIsTarget, " " + ifname), enter(kGetVendorId, " " + ifname)} + physicalDev(ifname) +
            Lines{leave(kGetVendorId, " "), leave(kIsTarget, "  " + compared)};

@@ -28,7 +28,7 @@ private:
     std::string path_;
 };
 
-/// What a program left behind.
+/// What a program left.
 struct Outcome {
     int status = -1;
     std::string output;

@@ -175,7 +175,7 @@ private:
         }
     }
 
-    // A long name touches the bar behind it.
+    // A long name touches the bar after it.
     void checkVlan(const std::string& line) {
         const std::size_t bar = line.find('|');
         std::istringstream words(line.substr(0, bar) + (bar == std::string::npos ? "" : " " + line.substr(bar)));

@@ -10,7 +10,7 @@ bool beginsWith(const std::string& text, const std::string& start);
 
 std::vector<std::string> linesOf(const std::string& text);
 
-/// What stands behind the first occurrence of the key, up to the end of that line.
+/// What follows the first occurrence of the key, up to the end of that line.
 std::string valueBehind(const std::string& key, const std::string& text);
 
 }  // namespace kvl::test

@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 /// Loaded in front of libc by tests of a program that is killed: it dies when it is about to write a text that the
-/// environment tells, before anything else happens.
+/// environment names, before anything else happens.
 extern "C" ssize_t write(int descriptor, const void* data, size_t size) {
     const char* last = getenv("KVL_LAST_WORDS");
     if (last != nullptr && memmem(data, size, last, strlen(last)) != nullptr) {

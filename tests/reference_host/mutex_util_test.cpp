@@ -233,7 +233,7 @@ TEST_F(MutexUtil, ExcludesProcesses) {
     EXPECT_EQ(*counter, 2 * kRounds);
 }
 
-// Hides this process's /dev/shm behind an empty one.
+// Hides this process's /dev/shm under an empty one.
 bool mountPrivateMemory() {
     return ::unshare(CLONE_NEWNS) == 0 && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
            ::mount("none", "/dev/shm", "tmpfs", 0, "mode=1777") == 0;

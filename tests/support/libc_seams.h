@@ -21,7 +21,7 @@ struct LibcSeams {
     int failingForks = 0;
     /// How many calls of `fdopen` fail from now on.
     int failingStreams = 0;
-    /// Has the library's calls of `close`, `fsync` and `unlink` recorded, of this process alone.
+    /// Has the library's calls of `close`, `fsync` and `unlink` recorded, only of this process.
     bool recordsFileCalls = false;
     /// Those calls, each as "CALL PATH".
     std::vector<std::string> fileCalls;

@@ -11,8 +11,8 @@
 
 namespace kvl::test {
 
-/// One row of a parser's table: the rule that it pins, in the form of a test's name, what is read, and all that comes
-/// of it.
+/// One row of a parser's table: the rule that it pins, in the form of a test's name, what is read, and the whole
+/// result.
 struct ParserCase {
     const char* rule;
     std::string input;

@@ -20,7 +20,7 @@ constexpr const char* kItemDirectory = "/opt/tarvenn/kvl/tmp/LAN_COMMON/test-mod
 constexpr const char* kKernelRelease = "2.6.32-358.el6.x86_64";
 
 /// A test on a machine of its own: an empty private root, a host without trace lines, libc as it is. When it ends, it
-/// checks that no descriptor was left open, no child left behind, and that every trace line bore an allowed module's
+/// checks that no descriptor was left open, no child left over, and that every trace line bore an allowed module's
 /// name.
 class PrivateMachineTest : public testing::Test {
 protected:

@@ -15,14 +15,14 @@ class TestHost {
 public:
     static void forget();
 
-    /// Every debug trace line as "LEVEL TEXT". The error number behind "command failed!" depends on what ran before,
+    /// Every debug trace line as "LEVEL TEXT". The error number after "command failed!" depends on what ran before,
     /// so it reads "(errno)".
     static Lines trace();
     /// The lines with the error numbers that were traced.
     static Lines exactTrace();
     /// Every debug trace line as "MODULE LEVEL TEXT".
     static Lines moduleTrace();
-    /// Every numbered operator message as "MODULE ID" with a blank and each of its arguments behind.
+    /// Every numbered operator message as "MODULE ID", followed by each of its arguments after a blank.
     static Lines operatorMessages();
     /// The modules that traced, each once.
     static Lines modules();
@@ -32,7 +32,7 @@ public:
     static Lines deletions();
     /// The paths that `RemoveDirectoryA` was called with; the calls go on to the file system.
     static Lines removals();
-    /// Has `DeleteFileA` call this with the path behind each call, until the next `forget`.
+    /// Has `DeleteFileA` call this with the path after each call, until the next `forget`.
     static void onDeletion(std::function<void(const char*)> call);
     /// Has the host's Sleep call this, once for each call, until the next `forget`.
     static void onSleep(std::function<void()> call);

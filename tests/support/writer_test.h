@@ -239,14 +239,14 @@ protected:
     }
 
     /// Adds a block to what `ifconfig -a` prints.
-    /// @param words  what stands behind the hardware address
+    /// @param words  what follows the hardware address
     void layInterface(const std::string& ifname, const std::string& hardwareAddress = "00:00:00:00:00:01",
                       const std::string& words = "UP MTU:1500 Metric:1") {
         ifconfigOutput_ += ifname + " Link encap:Ethernet  HWaddr " + hardwareAddress + "\n          " + words + "\n\n";
         machine.command("/sbin/ifconfig -a", ifconfigOutput_);
     }
 
-    /// Has `ethtool -i` tell where an interface's card is.
+    /// Has `ethtool -i` report where an interface's card is.
     void layBusInfo(const std::string& ifname, const std::string& busInfo) {
         machine.command("/usr/sbin/ethtool -i " + ifname,
                         "driver: igb\nversion: 4.0\nfirmware-version: 1.7\nbus-info: " + busInfo + "\n");

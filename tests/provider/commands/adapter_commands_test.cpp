@@ -94,7 +94,7 @@ TEST(Adapters, AreReadFromTheToolEachTimeAndTheirVersionsFromTheCache) {
 }
 
 TEST(Adapters, AreShownUnderTheLocationByWhichTheOtherCommandsFindThem) {
-    // Functions behind the first device, on a bus whose number begins like another's.
+    // Functions after the first device, on a bus whose number begins like another's.
     const Outcome outcome = runOnServer(R"sh(
 add() {
     mkdir $ports/$1

@@ -324,7 +324,7 @@ TEST(AdapterTree, IsRefusedBelowADirectoryThatOthersCanChange) {
         outcome.errors);
 }
 
-/// Becomes a user to whom the directory of the installation is closed, and tells what comes of that.
+/// Becomes a user who may not enter the directory of the installation, and reports what comes of that.
 [[noreturn]] void makeTreeAsOrdinaryUser(const std::string& installation) {
     constexpr uid_t kNobody = 65534;
     setenv("KVL_INSTALL_PATH", installation.c_str(), 1);

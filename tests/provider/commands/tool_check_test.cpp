@@ -53,7 +53,7 @@ TEST(ToolCheck, IsADocumentForPrograms) {
 
 struct Case {
     const char* change;
-    const char* reason;  // behind "not a silent install: "
+    const char* reason;  // after "not a silent install: "
 };
 
 void PrintTo(const Case& row, std::ostream* stream) {

@@ -18,7 +18,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-/// What a command tells beside its answer and its steps, and how it ended.
+/// What a command prints besides its answer and its steps, and how it ended.
 constexpr const char* kTold =
     "told() { \"$@\" 2>&1 >/dev/null | sed '/^\\[[0-9]\\/[0-9]\\]/d'; }\n"
     "run() { \"$@\"; echo \"ended with $?\" >&2; }\n";

@@ -281,9 +281,9 @@ const Scripts kBlocks = {
 enum class Place {
     kNowhere,  ///< there are none: exit codes alone
     kAlone,    ///< the only line on standard error
-    kCause,    ///< the first of two lines, after what has failed; the second tells the state
-    kStep,     ///< the first of two lines; the second tells the state
-    kState,    ///< the second of two lines; the first tells the step
+    kCause,    ///< the first of two lines, after what has failed; the second reports the state
+    kStep,     ///< the first of two lines; the second reports the state
+    kState,    ///< the second of two lines; the first reports the step
     kAnswer,   ///< on standard output where it is an answer, else the only line on standard error
 };
 
@@ -292,7 +292,7 @@ struct ComparedTable {
     const char* title;     ///< of its first column
     const char* rowTitle;  ///< of the column that names a row
     const char* sentenceTitle;
-    const char* codeTitle;  ///< null if the exit code is told elsewhere
+    const char* codeTitle;  ///< null if the exit code is given elsewhere
     Place place;
     const Scripts& scripts;
 };
@@ -373,7 +373,7 @@ Patterns causes() {
     return cells;
 }
 
-/// What a line looks like that tells a sentence of a row.
+/// What a line looks like that prints a sentence of a row.
 Patterns linesOf(const Row& row) {
     static const SentencePatterns kPatterns(causes());
     static const std::regex kError("\\(error ([0-9a-f]+)\\)");
@@ -424,7 +424,7 @@ Patterns linesOf(const ComparedTable& compared, int exitCode) {
     return lines;
 }
 
-/// What tells the step of an update that has failed.
+/// The lines that report the step of an update that has failed.
 Patterns linesOfSteps(int exitCode) {
     Patterns lines = linesOf(comparedTable("While the firmware is updated", "What happened"), exitCode);
     const Patterns more = linesOf(comparedTable("While the tool is updated", "What happened"), exitCode);
@@ -443,7 +443,7 @@ std::vector<std::string> withoutNotes(const std::vector<std::string>& told) {
     return lines;
 }
 
-/// The line of a command that tells the row's sentence. What is told beside it is checked.
+/// The line of a command that prints the row's sentence. What is printed beside it is checked.
 std::string lineOf(const CheckedCommand& command, Place place) {
     const bool hasState = place == Place::kCause || place == Place::kStep || place == Place::kState;
     std::vector<std::string> lines = withoutNotes(command.told);

@@ -25,7 +25,7 @@ using kvl::test::ScratchDirectory;
 using testing::AnyOf;
 using testing::HasSubstr;
 
-/// Counts what a lock tells while it waits.
+/// Counts what a lock reports while it waits.
 struct RecordedWaiting {
     CollectionLock::Waiting waiting() {
         return {[this](pid_t holder) { holders.push_back(holder); },

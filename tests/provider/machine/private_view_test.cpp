@@ -26,7 +26,7 @@ using kvl::test::runOutside;
 using kvl::test::ScratchDirectory;
 using testing::HasSubstr;
 
-/// True if these words stand in the options, one behind the other.
+/// True if these words stand in the options, one after the other.
 bool hasWords(const std::vector<std::string>& options, const std::vector<std::string>& words) {
     return std::search(options.begin(), options.end(), words.begin(), words.end()) != options.end();
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Collects the interrupts that are told.
+/// Collects the reported interrupts.
 class SystemInThisProgram : public testing::Test {
 protected:
     SystemInThisProgram() {

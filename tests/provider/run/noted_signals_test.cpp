@@ -15,7 +15,7 @@ namespace {
 
 using kvl::provider::NotedSignals;
 
-/// Keeps the signals away and waits for what they tell.
+/// Keeps the signals away and waits for their reports.
 class Listener {
 public:
     Listener() : noted_([this](int number) { take(number); }) {}

@@ -10,7 +10,7 @@ namespace kvl::test {
 struct MadeEntry {
     std::string path;
     std::string content;
-    unsigned mode = 0100644;  ///< as `stat` tells it, with the type
+    unsigned mode = 0100644;  ///< as `stat` reports it, with the type
     bool isLocked = false;    ///< with a password
 };
 

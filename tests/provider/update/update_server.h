@@ -14,7 +14,7 @@ namespace kvl::test {
 ///   update [OPTION...]                  updates 02:00.0 with OCe11102
 ///   tool_update MODULE [OPTION...]      the same for the management tool
 ///   run group_kvl ARGUMENT...           runs kvl in a process group of its own, whose number is in /tmp/kvl
-///   versions                            prints the line of each port's dump that tells its firmware and boot code
+///   versions                            prints the line of each port's dump that holds its firmware and boot code
 ///   during COMMAND SCRIPT               has a script run when the tool is called for this command, before it does it
 ///   after_unzip SCRIPT                  has a script run when a module is unpacked
 ///   instead_of_unzip SCRIPT             has it run instead of that

@@ -16,7 +16,7 @@ namespace {
 
 using provider::translated;
 
-/// What is not in the library's form in an output: a search in the text tells it, and no parse.
+/// What an output has in another form than the library's. A search in the text finds it, not a parse.
 struct OtherForm {
     const char* command;
     const char* sign;
