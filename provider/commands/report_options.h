@@ -12,7 +12,7 @@ class App;
 
 namespace kvl::provider {
 
-/// How `kvl report` ends.
+/// The exit codes of `kvl report`.
 enum ReportExit : int {
     kReportWritten = 0,
     kReportIncomplete = 1,  ///< Something could not be collected: named on standard error.
@@ -35,7 +35,7 @@ struct ReportOptions {
     LanSelection lan;
     std::string outputFile;  ///< empty: standard output
     Format format = Format::kText;
-    bool translates = true;  ///< hands the library what it reads, whatever form the machine prints
+    bool translates = true;             ///< hands the library what it reads, whatever form the machine prints
     unsigned commandLimitSeconds = 20;  ///< longest time of one command; 0: none
     RunOptions run;
 };
