@@ -18,7 +18,7 @@ namespace kvl::machines {
 
 /// How a run of bubblewrap has ended.
 struct BubblewrapEnding {
-    bool programRan = false;  ///< false if bubblewrap gave up before, for which it has no exit code of its own
+    bool programRan = false;  ///< false if bubblewrap failed first, for which it has no exit code of its own
     int status = 0;           ///< exit status, or 128 and the signal that ended it
 };
 
@@ -41,7 +41,7 @@ inline std::vector<char*> wordPointers(std::vector<std::string>& words) {
 
 /// Runs bubblewrap with this process's standard streams and waits for its end.
 /// @param words  the path of bubblewrap and its arguments
-/// @throws std::system_error if there is no process to be had
+/// @throws std::system_error if no process can be started
 inline BubblewrapEnding runBubblewrap(std::vector<std::string> words, const BubblewrapStart& start) {
     const auto fail = [](const char* what) { throw std::system_error(errno, std::generic_category(), what); };
     std::array<int, 2> ends{};
@@ -65,7 +65,7 @@ inline BubblewrapEnding runBubblewrap(std::vector<std::string> words, const Bubb
     }
     start.isStarted(process);
     statusOut.close();
-    // bubblewrap tells an exit code only if it has started the program.
+    // bubblewrap reports an exit code only if it has started the program.
     BubblewrapEnding ending;
     ending.programRan = readAll(statusIn.number()).find("exit-code") != std::string::npos;
     int status = 0;

@@ -15,7 +15,7 @@ struct Ending {
     static Ending bySignal(int number) { return {0, number}; }
 };
 
-/// The machine that a program inside a private root meets: commands that print and end as told, and files. All
+/// The machine that a program inside a private root meets: commands that print and end as laid down, and files. All
 /// operations work on the root of the calling process, which must be a private root.
 class LaidDownMachine {
 public:
@@ -34,8 +34,8 @@ public:
     /// Lays down a program of its own: an executable file, usually a script that begins with "#!/bin/sh".
     void program(const std::string& path, const std::string& text);
 
-    /// Takes the command at `path` away with all that was laid down for it, ordinary tools included: it is a missing
-    /// program then.
+    /// Removes the command at `path` with all that was laid down for it, ordinary tools included. The program is then
+    /// missing.
     void dropCommand(const std::string& path);
 
     /// Writes a file, and makes the directories above it.
@@ -56,7 +56,7 @@ public:
     /// Empties both lists.
     void forgetCommands();
 
-    /// Makes the root what it was when it was new. Mounts, and so all binds, are left alone.
+    /// Returns the root to its first state. Mounts, and so all binds, stay.
     void reset();
 };
 

@@ -70,7 +70,7 @@ std::string octal(unsigned mode) {
     return text.data();
 }
 
-// Async-signal-safe, as it runs behind every fork.
+// Async-signal-safe, as it runs after every fork.
 void linkThisProcess() {
     std::array<char, 32> digits{};
     char* first = digits.data() + digits.size() - 1;

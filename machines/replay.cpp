@@ -55,7 +55,7 @@ bool isSystemLibraryDirectory(const std::string& path) {
     return false;
 }
 
-// Where this process has its libraries from, but for those that every private root has.
+// Where this process loads its libraries from, except those that every private root has.
 std::set<std::string> libraryDirectories(const fs::path& executable) {
     std::set<std::string> all;
     dl_iterate_phdr(addObjectDirectory, &all);

@@ -10,7 +10,7 @@
 
 namespace kvl::machines {
 
-/// No recording goes by the name that was asked for. The text lists the names that are known.
+/// There is no recording of the requested name. The text lists the known names.
 class UnknownMachine : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -35,7 +35,7 @@ struct ReplayRequest {
 /// command line that the recording has nothing for is named on standard error.
 ///
 /// Returns its exit status, or 128 and the signal that ended it.
-/// Throws UnknownMachine if there is no such recording, PrivateRootError if there can be no private root.
+/// Throws UnknownMachine if there is no such recording, PrivateRootError if no private root can be made.
 int replay(const ReplayRequest& request);
 
 /// The directory of a recording: `machine` itself if it is a recording's directory, otherwise the directory of that

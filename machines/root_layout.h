@@ -6,7 +6,7 @@
 
 namespace kvl::machines {
 
-/// What a freshly made private root holds besides its mounts. bubblewrap is told to make it from outside, and
+/// What a freshly made private root holds besides its mounts. bubblewrap makes it from outside, and
 /// LaidDownMachine::reset makes it anew from inside; both walk these lists.
 
 struct LayoutDirectory {
@@ -25,10 +25,10 @@ struct LayoutFile {
     std::string text;
 };
 
-/// The directories, each one behind its parent.
+/// The directories, each one after its parent.
 const std::vector<LayoutDirectory>& layoutDirectories();
 
-/// The symbolic links: the ordinary tools, which busybox is, and the parts of procfs.
+/// The symbolic links: the ordinary tools, all of them busybox, and the parts of procfs.
 const std::vector<LayoutLink>& layoutLinks();
 
 /// The files, for the user who asks.

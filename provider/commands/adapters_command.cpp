@@ -37,7 +37,7 @@ struct ListedPort {
     std::vector<VersionAnswer> versions;  ///< of the kinds, as far as they were asked for
 };
 
-/// Asks for all versions of a port. Once its dump can't be had, no further kind can help.
+/// Asks for all versions of a port. Without a readable dump the other kinds would fail too.
 std::vector<VersionAnswer> askVersions(const AdapterInventory& inventory, const Adapter& port, bool refresh) {
     std::vector<VersionAnswer> answers;
     for (const ModuleKind& kind : kModuleKinds) {
@@ -94,7 +94,7 @@ std::string tableOf(const std::vector<ListedPort>& ports, bool versions) {
     return table.text();
 }
 
-/// What could not be had of a port.
+/// What could not be read of a port.
 struct PortFailure {
     std::string kind;  ///< of the module; empty if it is about the port
     Failure failure;

@@ -12,10 +12,10 @@
 
 namespace kvl::provider {
 
-/// How the commands end that answer a question. Some have more codes of their own.
+/// The exit codes of the commands that answer a question. Some commands have more.
 enum AnswerExit : int {
     kAnswered = 0,
-    kIncomplete = 1,  ///< The same, but something could not be had: named on standard error.
+    kIncomplete = 1,  ///< The same, but something could not be read: named on standard error.
     kNoAnswer = 3,    ///< The reason stands on standard error.
 };
 
@@ -52,7 +52,7 @@ void addAnswerFormat(CLI::App& command, AnswerFormat& format);
 /// @param format  as --format has received it, and must live as long as the request
 void answerWith(Request& request, const AnswerFormat& format, const std::function<Answer()>& find);
 
-/// Finds an answer and prints it. Why there is none is printed as a document too, where one was asked for.
+/// Finds an answer and prints it. If there is none, prints why, also as a document if one was asked for.
 /// @return the exit code
 int printAnswer(AnswerFormat format, const std::function<Answer()>& find);
 

@@ -14,7 +14,7 @@ namespace kvl::provider {
 /// The arguments of the adapter and update commands. The library builds command lines for a shell out of some of them,
 /// so each is checked against its form when the command line is read; anything else is wrong usage.
 
-/// Adds DEVICE, a port's PCI location: bus:device.function in hexadecimal, and behind a "-" a tail of characters that
+/// Adds DEVICE, a port's PCI location: bus:device.function in hexadecimal, and after a "-" a tail of characters that
 /// a shell takes as they are.
 /// @param device  receives the location in one spelling, such as 0b:00.1, without the tail: one port has one cache
 void addDevice(CLI::App& command, std::string& device);

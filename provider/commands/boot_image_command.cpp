@@ -23,7 +23,7 @@ constexpr const char* kHelp =
 constexpr int kSameKernel = 0;
 constexpr int kOtherKernel = 1;
 
-/// What is found beside 0 for the running kernel's RAM disk.
+/// The exit code besides 0, which stands for the running kernel's RAM disk.
 enum BootImageExit : int {
     kOtherBootImage = 15,  ///< Another kernel may start next than the running one.
 };

@@ -39,14 +39,14 @@ constexpr const char* kHelp =
     "  2  wrong usage; nothing was done\n"
     "  All others are the command's own: 'kvl COMMAND --help' tells them.\n";
 
-/// A sentence around two parts: what stands in front of, between and behind them.
+/// A sentence around two parts: what stands before, between and after them.
 struct Sentence {
     std::string_view begins;
     std::string_view goesOn;
     std::string_view ends;
 };
 
-/// What the parser says, and what is said instead.
+/// What the parser says, and what kvl says instead.
 struct Rewording {
     Sentence parsers;
     Sentence ours;
@@ -57,7 +57,7 @@ constexpr std::array<Rewording, 2> kRewordings = {{
     {{"Could not convert: ", " = ", ""}, {"", " doesn't take '", "'"}},
 }};
 
-/// Help and version are told by the parser as errors that succeed.
+/// The parser reports help and version as errors that succeed.
 std::function<int()> printingRequest(const CLI::App& program, const CLI::ParseError& parsed) {
     std::ostringstream text;
     program.exit(parsed, text, text);
@@ -70,13 +70,13 @@ std::function<int()> printingRequest(const CLI::App& program, const CLI::ParseEr
     };
 }
 
-/// The commands that were chosen, one below the other, each with a blank behind it.
+/// The commands that were chosen, one below the other, each followed by a blank.
 std::string chosenCommand(const CLI::App& program) {
     const auto chosen = program.get_subcommands();
     return chosen.empty() ? "" : chosen.front()->get_name() + " " + chosenCommand(*chosen.front());
 }
 
-/// What stands on the command line that no command takes, in its order.
+/// The words of the command line that no command takes, in their order.
 std::string argumentsLeft(const CLI::App& program) {
     std::string text;
     for (const std::string& argument : program.remaining(true)) {
@@ -101,7 +101,7 @@ std::optional<std::string> reworded(const Rewording& row, std::string_view text)
     return sentence += row.ours.ends;
 }
 
-/// The parser's own sentence, but for those that a reader couldn't make sense of.
+/// The parser's own sentence, except where a reader couldn't make sense of it.
 std::string sentenceOf(const CLI::App& program, const CLI::ParseError& error) {
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
         return "not expected: " + argumentsLeft(program);
@@ -118,7 +118,7 @@ std::string sentenceOf(const CLI::App& program, const CLI::ParseError& error) {
     return text;
 }
 
-/// Tells what is wrong, and where the usage is told.
+/// Says what is wrong, and how to print the usage.
 std::string describe(const CLI::App& program, const Arguments& arguments, const CLI::ParseError& error) {
     const std::string command = chosenCommand(program);
     const std::string what = !command.empty()    ? sentenceOf(program, error)

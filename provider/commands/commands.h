@@ -38,7 +38,7 @@ void addComponentsCommand(CLI::App& program, Request& request);
 /// `kvl tool-check`: whether the management tool stands as a silent install left it.
 void addToolCheckCommand(CLI::App& program, Request& request);
 
-/// `kvl update`: what is updated is a command of its own.
+/// `kvl update`: has a command for each thing that can be updated.
 void addUpdateCommand(CLI::App& program, Request& request);
 
 /// `kvl update firmware`: firmware and boot code of an adapter.

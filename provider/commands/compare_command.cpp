@@ -24,7 +24,7 @@ constexpr const char* kHelp =
     "  11  NEW is newer\n"
     "  12  one of them is not a version of this kind (named on standard error)\n";
 
-/// How the versions compare, beside 0 for equal ones.
+/// The exit codes besides 0, which stands for equal versions.
 enum CompareExit : int {
     kOlder = 10,
     kNewer = 11,
@@ -54,7 +54,7 @@ Outcome compareVersions(const std::string& oldVersion, const std::string& newVer
     return CEmulexCommon::GetLastError() == 0 ? Outcome{"equal", kAnswered} : Outcome{"not a version", kNotAVersion};
 }
 
-/// A version that can't be compared with itself is none.
+/// A text that can't be compared with itself is no version.
 void addWrongForm(const std::string& name, const std::string& version, const CompareOptions& options, Answer& answer) {
     if (compareVersions(version, version, options).exitCode != kNotAVersion) {
         return;

@@ -19,7 +19,7 @@ constexpr const char* kHelp =
     "  3   the answer could not be written\n"
     "  16  something is, or can't be run (named on standard error)\n";
 
-/// What is found beside 0 for nothing.
+/// The exit code besides 0, which stands for nothing missing.
 enum ComponentsExit : int {
     kComponentMissing = 16,  ///< It is missing, or can't be run.
 };

@@ -23,7 +23,7 @@ constexpr const char* kHelp =
     "  14  it has another version, and the default boot entry has another RAM disk than that of\n"
     "      the running kernel, or names it with a directory in front\n";
 
-/// What a check finds, beside 0 for a driver that has the version.
+/// The exit codes besides 0, which stands for a driver of that version.
 enum DriverCheckExit : int {
     kDriverNotConfirmed = 13,  ///< It has another version, or nothing could be found out.
     kDriverAwaitsBoot = 14,    ///< It has another, and another kernel may start next than the running one.
@@ -39,7 +39,7 @@ struct DriverOptions {
 struct Verdict {
     int result;
     const char* name;
-    const char* sentence;  ///< behind the driver's name
+    const char* sentence;  ///< after the driver's name
     int exitCode;
 };
 

@@ -22,17 +22,17 @@ using Names = std::vector<std::string>;
 using ReceiveText = std::function<void(const std::string& given)>;
 
 /// Adds a command.
-/// @param help  what its help says behind the options
+/// @param help  what its help says after the options
 CLI::App& addCommand(CLI::App& program, const std::string& name, const std::string& description,
                      const std::string& help);
 
-/// Has a command be an error without one of the commands that are added to it.
+/// Makes it wrong usage to give a command without one of the commands that are added to it.
 void requireSubcommand(CLI::App& command);
 
-/// Has something done when the command is chosen, once all its options are read.
+/// Sets what is done when the command is chosen, after all its options are read.
 void whenChosen(CLI::App& command, std::function<void()> prepare);
 
-/// Ends the reading of the command line with a sentence.
+/// Refuses the command line with a sentence.
 [[noreturn]] void refuseUsage(const std::string& sentence);
 
 /// Adds an option without a value.
@@ -71,10 +71,10 @@ CLI::Option* addRepeatable(CLI::App& command, const std::string& option, const R
 CLI::Option* addRepeatableOneOf(CLI::App& command, const std::string& option, const Names& names,
                                 const std::function<void(std::size_t place)>& receive, const std::string& description);
 
-/// Has the first not be taken together with the second.
+/// Forbids the first together with the second.
 void forbidTogether(CLI::Option& option, CLI::Option& other);
 
-/// Has the first be taken together with the second alone.
+/// Allows the first only together with the second.
 void allowOnlyWith(CLI::Option& option, CLI::Option& other);
 
 /// @return true if the option was given

@@ -31,7 +31,7 @@ constexpr const char* kHelp =
     "  2   wrong usage\n"
     "  3   that could not be done, or not wholly; the reason stands on standard error\n";
 
-/// How the command ends where marks stay that were to be taken.
+/// The exit code if marks stay that were to be taken.
 enum PendingExit : int {
     kPartlyTaken = 3,
 };
@@ -114,7 +114,7 @@ Answer takeMarks(const PendingOptions& options, TakenMarks& taken) {
                        taken.signals->first());
 }
 
-/// Takes the marks and prints them. If nobody gets to read them they are marked again.
+/// Takes the marks and prints them. Marks them again if they can't be printed.
 int takeAndPrint(const PendingOptions& options) {
     TakenMarks taken;
     try {

@@ -7,7 +7,7 @@
 
 namespace kvl::provider {
 
-/// How the commands end that change something. A signal that came meanwhile changes nothing about it.
+/// The exit codes of the commands that change something. A signal that came meanwhile doesn't change them.
 enum UpdateExit : int {
     kUpdated = 0,           ///< Done, or a dry run shows that it could begin.
     kFailedUnchanged = 1,   ///< It failed, and nothing was changed.
@@ -25,7 +25,7 @@ constexpr const char* kUpdateExitHelp =
     "  4    failed after something was changed (standard error says what)\n"
     "  130  Ctrl-C ended it before it began, and nothing was changed\n";
 
-/// What the commands that change something are told. They take the machine's turn at once or not at all.
+/// The options of the commands that change something. They take the machine's turn at once or not at all.
 struct UpdateOptions {
     bool isDry = false;
     bool isAgreedTo = false;
@@ -39,11 +39,11 @@ enum class Agreement { kNeeded, kNotNeeded };
 /// Adds --dry-run, --yes where the operation asks, --format, and the options of every run.
 void addUpdateOptions(CLI::App& command, UpdateOptions& options, Agreement agreement);
 
-/// Ends the run where an operation would ask and can't.
+/// Refuses the run if the operation would have to ask and can't.
 /// @throws WrongUsage
 void requireAgreement(const UpdateOptions& options);
 
-/// Performs an operation, and prints what has come of it.
+/// Performs an operation, and prints its outcome.
 /// @return the exit code
 int performUpdate(const UpdateOptions& options, const MakeOperation& make);
 

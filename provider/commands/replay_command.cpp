@@ -24,10 +24,10 @@ constexpr const char* kHelp =
     "\n"
     "The exit code is that of the command:\n";
 
-// What a run with sanitizers is told by its caller.
+// The variables by which a caller sets the sanitizers up.
 constexpr const char* kPassedVariables[] = {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS"};
 
-/// How the command ends that could not begin the other one; any other code is the other one's.
+/// The exit code if the other command could not be started; any other code is that command's.
 enum ReplayExit : int {
     kNoReplay = 3,
 };
@@ -94,7 +94,7 @@ int replay(const ReplayOptions& options) {
     }
 }
 
-/// Reads the command before anything is run, so that wrong usage is told by this process.
+/// Reads the command before anything is run, so that this process reports wrong usage.
 void checkCommand(const ReplayOptions& options) {
     if (options.machine.empty()) {
         refuse("replay needs the name or the directory of a recorded server; 'kvl replay --list' lists them");

@@ -12,7 +12,7 @@ class App;
 
 namespace kvl::provider {
 
-/// How `kvl report` ends.
+/// The exit codes of `kvl report`.
 enum ReportExit : int {
     kReportWritten = 0,
     kReportIncomplete = 1,  ///< Something could not be collected: named on standard error.

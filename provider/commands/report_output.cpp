@@ -28,7 +28,7 @@ bool writeFile(const std::string& path, const std::string& content) {
     return file.write(content.data(), content.size()) && file.commit();
 }
 
-/// The name as it stands in a document: without what acts on a terminal, which XML has no signs for.
+/// The name as it stands in a document: without characters that act on a terminal, which XML can't hold.
 std::string escapedName(const std::string& name) {
     std::string escaped;
     for (const char character : printable(name)) {
@@ -52,7 +52,7 @@ std::string escapedName(const std::string& name) {
     return escaped;
 }
 
-/// Has the document show the machine's names of the interfaces. @return false if it can't be written
+/// Puts the machine's names of the interfaces into the document. @return false if it can't be written
 bool nameForPeople(const std::string& document, const InterfaceNames& names) {
     return names.empty() || writeFile(document, names.textForPeople(contentOf(document), escapedName));
 }

@@ -10,13 +10,13 @@
 
 namespace kvl::provider {
 
-/// Looks before the collection, which takes minutes on some machines, whether its report can be written to a file.
+/// Checks, before a collection that can take minutes, that the report can be written to a file.
 /// @param file  empty for standard output
 /// @throws ProviderError if it can't
 void checkOutputFile(const std::string& file);
 
-/// Brings the report to where it was asked for. The library writes documents to files alone, so what goes elsewhere, or
-/// in another form, begins as a file in the result directory.
+/// Delivers the report where it was asked for. The library writes documents to files only, so a report that goes
+/// elsewhere, or has another form, begins as a file in the result directory.
 class ReportOutput {
 public:
     /// @param file  where the file that was asked for is found, which in a private view is another place than the one
@@ -31,7 +31,7 @@ public:
     /// The file that the library is to write.
     const std::string& documentFile() const { return documentFile_; }
 
-    /// Does the rest.
+    /// Delivers what the library has written.
     /// @param written  whether the library could write its file
     /// @param names    by which the library knows the interfaces
     /// @throws ProviderError if something couldn't be written

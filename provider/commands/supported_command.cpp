@@ -102,7 +102,7 @@ std::optional<Failure> findFault(const Catalogue& catalogue) {
     return fault ? fault : findSizeFault(path);
 }
 
-/// One failure for all catalogues, of which none can be listed.
+/// The one failure for all catalogues when none can be listed.
 Failure joined(const std::vector<Gap>& gaps) {
     Failure all = *gaps.front().failure;
     for (auto gap = gaps.begin() + 1; gap != gaps.end(); ++gap) {

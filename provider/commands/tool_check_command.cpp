@@ -32,7 +32,7 @@ constexpr const char* kHelp =
     "  3   that could not be told; the reason stands on standard error\n"
     "  17  it does not\n";
 
-/// What is found beside 0 for a silent install.
+/// The exit code besides 0, which stands for a silent install.
 enum ToolCheckExit : int {
     kToolNotSilent = 17,
 };
@@ -91,7 +91,7 @@ std::string sentence(const SilentInstallFinding& finding) {
     }
 }
 
-/// @throws AdapterFailure if the check didn't come to an answer
+/// @throws AdapterFailure if the check gave no answer
 void requireAnswer(const SilentInstallFinding& finding) {
     if (finding.fault == Fault::kFileNotOpened) {
         Failure failure = failureOf(kFileNotOpened);
@@ -107,7 +107,7 @@ void requireAnswer(const SilentInstallFinding& finding) {
     }
 }
 
-/// The check takes an rpm that doesn't answer for one that doesn't list the package.
+/// The check takes a failed rpm for one that doesn't list the package.
 void requireRpm() {
     if (std::system("rpm -qa >/dev/null 2>&1") != 0) {
         Failure failure = toolFailure("'rpm -qa' failed, so whether the package elxocmjvm is installed can't be told");

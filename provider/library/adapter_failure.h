@@ -8,21 +8,21 @@
 
 namespace kvl::provider {
 
-/// Why something about the adapters could not be had, for people and for programs.
+/// Why something about the adapters failed or could not be read, for people and for programs.
 struct Failure {
     std::string number;   ///< the library's last error, as it gives it to operator messages; empty if it has no part
     std::string name;     ///< short, lower case with "-" between words; empty if there is none
     std::string meaning;  ///< without a full stop
-    std::string next;     ///< what to do next; empty if the meaning tells it
+    std::string next;     ///< what to do next; empty if the meaning says it
 };
 
-/// The name of the failure that a new dump of a port can't mend: the port has no version of this kind.
+/// The name of the failure that a new dump of a port can't cure: the port has no version of this kind.
 constexpr const char* kNoVersionName = "no-version";
 
-/// The name of the failure of a tool that is asked for a dump, and writes none that the library finds.
+/// The name of the failure where the tool, asked for a dump, writes none that the library finds.
 constexpr const char* kNoDumpName = "no-dump-file";
 
-/// The failure that the library's last error tells.
+/// The failure that the library's last error stands for.
 Failure lastFailure();
 
 /// The failure of a code that this program has found itself; it becomes the library's last error.

@@ -70,7 +70,7 @@ auto guarded(const Call& call) {
     }
 }
 
-/// How many ports the tool has listed, roughly: what a list of another form holds is for the library to say.
+/// Roughly how many ports the tool has listed. The library judges a list of another form.
 std::size_t countListedPorts() {
     std::ifstream list(WorkingTree::inUse().adapterListFile());
     std::size_t ports = 0;
@@ -90,7 +90,7 @@ public:
               return function < 0 || function >= kManyFunctions;
           })) {}
 
-    /// @param record  a port at this bus and function, by whose location it is tried out
+    /// @param record  a port at this bus and function, whose location is used to try it
     int of(const Record& record, int bus, int function) {
         // Without a function above 7, and for a bus number of two digits, there are always two.
         if (!isOpen_ || bus > kLastBusOfManyFunctions) {
@@ -112,7 +112,7 @@ private:
     std::map<int, int> counts_;
 };
 
-/// The PCI location by which the library finds a port; empty if it tells none.
+/// The PCI location by which the library finds a port; empty if the record has none.
 std::string deviceOf(const Record& record, FunctionCounts& counts) {
     const int bus = pciNumber(valueOf(record, kBusKey));
     const int function = pciNumber(valueOf(record, kFunctionKey));
@@ -129,7 +129,7 @@ std::string deviceOf(const Record& record, FunctionCounts& counts) {
     return isOneDevice ? onOneDevice : counted;
 }
 
-/// Who looks for the dumps takes a directory with a blank for two.
+/// The search for the dumps takes a directory with a blank for two.
 void explainBlank(Failure& failure) {
     std::pair<std::string, std::string> told;
     if (failure.name == kNoDumpName &&
@@ -214,7 +214,7 @@ NamesAndValues AdapterInventory::describePort(const std::string& device, std::op
         } catch (const std::out_of_range&) {
             throw;
         } catch (const std::logic_error&) {
-            // It looks for the port among the machine's interfaces, and there is none; the rest has been told.
+            // It looks for the port among the machine's interfaces, and there is none; the rest has been filled in.
             missing = ownFailure(
                 "no-interface",
                 "the interface of " + device + " could not be told, since the kernel lists no interface but lo",
@@ -256,7 +256,7 @@ Record AdapterInventory::find(const std::string& device, const std::string& fami
     return record;
 }
 
-/// The library puts the address that the list tells into command lines of a shell: the one that ports of this type
+/// The library puts the address from the list into shell command lines: the kind of address that ports of this type
 /// have.
 void AdapterInventory::checkAddress(const std::string& device, const std::string& family) const {
     const Record record = find(device, family);

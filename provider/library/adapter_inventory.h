@@ -14,7 +14,7 @@
 
 namespace kvl::provider {
 
-/// A port as the adapter tool lists it. Texts are as the tool prints them, empty where it tells nothing.
+/// A port as the adapter tool lists it. Texts are as the tool prints them, empty where it prints none.
 struct Adapter {
     std::string device;  ///< PCI location, by which the library finds the port; empty if there is none
     std::string family;
@@ -60,8 +60,8 @@ public:
     /// The family of the port at a location.
     std::string familyOf(const std::string& device) const;
 
-    /// What describes a port to an operator, as far as it can be had.
-    /// @param missing  receives what can't be had; nothing if all can
+    /// What describes a port to an operator, as far as it can be read.
+    /// @param missing  receives what can't be read; nothing if all can
     NamesAndValues describePort(const std::string& device, std::optional<Failure>& missing) const;
 
     /// The version of a port's module: from its dump in the cache, or where there is none, from a new one.
@@ -69,7 +69,7 @@ public:
     VersionAnswer version(const std::string& device, const ModuleKind& kind, bool refresh,
                           const std::string& family) const;
 
-    /// What the list tells of the port at a location, by the tool's own keys.
+    /// What the list says of the port at a location, by the tool's own keys.
     AdapterRecord find(const std::string& device, const std::string& family) const;
 
 private:

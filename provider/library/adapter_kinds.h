@@ -18,7 +18,7 @@ struct ModuleKind {
     EMULEX_MODULE_KIND value;
 };
 
-/// The kinds whose version an adapter tells, in the order in which they are shown.
+/// The kinds whose version an adapter reports, in the order in which they are shown.
 constexpr ModuleKind kModuleKinds[] = {
     {"firmware", "FIRMWARE", EMULEX_MODULE_FIRMWARE},
     {"driver", "DRIVER", EMULEX_MODULE_DRIVER},

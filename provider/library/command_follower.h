@@ -38,7 +38,7 @@ public:
     int signal() const { return signal_; }
 
     /// Counts another second in which the command has printed nothing.
-    /// @param subject  what the command is about, with ": " behind it; empty if it isn't shown
+    /// @param subject  what the command is about, followed by ": "; empty if it isn't shown
     /// @param command  as it is shown
     /// @return what the display shows of the wait for its output
     std::string countSecond(const std::string& subject, const std::string& command);

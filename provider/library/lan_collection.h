@@ -29,8 +29,8 @@ public:
     explicit LanCollection(const LanSelection& selection);
 
     /// Collects everything.
-    /// @param foundInterfaces  is told the interfaces, in the order in which their drivers are asked next
-    /// @return false if the machine has given no interface; the rest isn't collected then
+    /// @param foundInterfaces  is given the interfaces, in the order in which their drivers are asked next
+    /// @return false if no interface was found; the rest isn't collected then
     bool collect(const std::function<void(const std::vector<std::string>&)>& foundInterfaces);
 
     /// Finds the vendors, if none was named, and writes the chosen sections to a file.

@@ -8,7 +8,7 @@
 
 namespace kvl::provider {
 
-/// What keeps the management tool from being as a silent install left it.
+/// Why the management tool is not as a silent install left it.
 enum class SilentInstallFault { kNone, kWrongLine, kMissingLines, kPackage, kFileNotOpened, kPackagesUnknown };
 
 struct SilentInstallFinding {

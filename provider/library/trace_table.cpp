@@ -13,7 +13,7 @@ using Event = TraceEvent;
 constexpr const char* kDiscoverySettings = "/etc/emulexDiscConfig";
 constexpr const char* kManagementSettings = "/etc/emulexRMConfig";
 
-// Of the causes those lines are kept that say most; the lines that follow them in the same procedure say less.
+// Of the causes, the table has the lines that say most; later lines of the same procedure say less.
 constexpr TraceRow kRows[] = {
     {Event::kCommandBegins, TRACE_DBG_FLOW, "int CNetworkParameter::ExecCommand(const char*, ...) [", "]", ""},
     {Event::kCommandFails, TRACE_DBG_ERROR, "int CNetworkParameter::ExecCommand(const char*, ...) [",

@@ -52,7 +52,7 @@ struct TraceRow {
     TraceEvent event;
     TRACE_DBG_LEVEL level;
     std::string_view begins;
-    std::string_view ends;  ///< What stands behind the value; empty where the value goes on to the line's end.
+    std::string_view ends;  ///< What stands after the value; empty where the value goes on to the line's end.
     std::string_view detail;
 };
 

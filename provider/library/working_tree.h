@@ -28,16 +28,16 @@ public:
     /// The list of the adapters, which this program has the tool write.
     std::string adapterListFile() const { return temporary("Listhbas.txt"); }
 
-    /// What the tool has told last of the directory in which it keeps its dumps.
+    /// What the tool last printed about the directory in which it keeps its dumps.
     std::string dumpDirectoryFile() const { return temporary("DumpDirectory.txt"); }
 
     /// What the check of the installed packages has printed.
     std::string packagesFile() const { return temporary("rpm_grep_result.txt"); }
 
-    /// @return true if the tree holds a dump of the port, so that its versions are had without the tool
+    /// @return true if the tree holds a dump of the port, so that its versions can be read without the tool
     bool isCached(const std::string& device, const std::string& family) const;
 
-    /// Makes the tree and sees to it that it is safe: the user's own and closed to other writers, since the tool writes
+    /// Makes the tree and ensures that it is safe: the user's own and closed to other writers, since the tool writes
     /// into it, often as root, and its paths go through a shell. For the tree in use.
     /// @throws AdapterFailure if it can't be made, ProviderError if it isn't safe, with what to do
     void make() const;

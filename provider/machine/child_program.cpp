@@ -29,7 +29,7 @@ sigset_t endingSignals() {
     return set;
 }
 
-/// Holds the ending signals back for as long as there is nobody to pass them on to.
+/// Holds the ending signals back until there is a process to pass them on to.
 class HeldSignals {
 public:
     HeldSignals() {

@@ -11,7 +11,7 @@ namespace kvl::provider {
 /// Runs bubblewrap with this process's standard streams and waits for its end. Meanwhile the signals that ask a process
 /// to end are passed on to it.
 /// @param words  the path of bubblewrap and its arguments
-/// @throws std::system_error if there is no process to be had
+/// @throws std::system_error if no process can be started
 machines::BubblewrapEnding runSandbox(const std::vector<std::string>& words);
 
 }  // namespace kvl::provider

@@ -38,7 +38,7 @@ host::FileDescriptor openLockFile(const std::string& file) {
     return opened;
 }
 
-/// The content of a file that has another name too is somebody's.
+/// A file that has another name too may be somebody else's, and must not be overwritten.
 bool hasOneName(int file) {
     struct stat status {};
     return fstat(file, &status) == 0 && status.st_nlink == 1;

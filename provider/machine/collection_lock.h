@@ -19,8 +19,8 @@ std::string collectionLockFile();
 /// The right to collect, for as long as the object lives.
 class CollectionLock {
 public:
-    /// How the lock waits: told once that it does, with the process that holds it (0 if that can't be told), and then
-    /// called for each pause between two attempts.
+    /// How the lock waits: `begin` is called once, with the process that holds the lock (0 if unknown), and `pause`
+    /// between two attempts.
     struct Waiting {
         std::function<void(pid_t holder)> begin;
         std::function<void()> pause;
@@ -38,10 +38,10 @@ public:
     void handDown() const;
 
     /// Has every command that is started from now on hold the lock too. It is free when this object goes, whatever
-    /// still runs; but if this process dies before, the commands that it has left behind keep it.
+    /// still runs. But if this process dies first, the commands that it left running keep the lock.
     void shareWithCommands();
 
-    /// Has those commands keep the lock also behind the end of this object.
+    /// Has those commands keep the lock after the end of this object, too.
     void leaveToCommands() { isShared_ = false; }
 
     CollectionLock(CollectionLock&&) = default;

@@ -14,7 +14,7 @@ namespace kvl::provider {
 namespace {
 
 constexpr int kHighestDescriptor = 1023;
-constexpr const char* kName = "command-guard";  // whoever kills all that is called kvl leaves it alone
+constexpr const char* kName = "command-guard";  // killing all processes named kvl must not hit it
 constexpr std::array<int, 4> kEndingSignals = {SIGINT, SIGQUIT, SIGTERM, SIGHUP};
 
 /// Keeps what commands inherit, and lets go of everything else.

@@ -268,7 +268,7 @@ CommandRunner::Ending CommandRunner::runProcesses(const std::string& line, const
 const CommandObservation& CommandRunner::observe(const std::string& line, const std::optional<PlainCommand>& command,
                                                  CommandObservation observation) {
     endGroup();
-    prctl(PR_SET_CHILD_SUBREAPER, 1);  // what a command leaves behind stays visible
+    prctl(PR_SET_CHILD_SUBREAPER, 1);  // what a command leaves running stays visible
     const std::string subject = command ? subjectOf(*command) : line;
     if (hanging_.count(subject) > 0) {
         observation.wasLeftOut = true;

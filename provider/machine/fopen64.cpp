@@ -17,7 +17,7 @@ bool isRead(const char* mode) {
     return mode[0] == 'r' && mode[1] != '+' && (mode[1] == '\0' || mode[2] != '+');
 }
 
-/// @return a file without a name that holds the content; null with errno if there is none to be had
+/// @return a file without a name that holds the content; null with errno if none can be made
 std::FILE* fileWith(const std::string& content) {
     std::FILE* const file = std::tmpfile();
     if (file == nullptr) {
@@ -46,7 +46,7 @@ AnsweredFiles::~AnsweredFiles() {
 /// Stands in front of libc's own, by which the standard library's streams open files. The program exports it, so the
 /// files that the library reads come through here.
 extern "C" std::FILE* fopen64(const char* path, const char* mode) {
-    // Whoever answers opens files too, and means them as they are.
+    // The answering function opens files too, and needs them as they are.
     static thread_local bool isAnswering = false;
     const auto& answer = kvl::provider::answer();
     if (answer && !isAnswering && kvl::provider::isRead(mode)) {

@@ -6,8 +6,8 @@
 
 namespace kvl::provider {
 
-/// The machine's interfaces that the library was not told of when it asked for all of them, because a shell would take
-/// their names apart.
+/// The interfaces that were left out when the library asked for all of the machine's, because a shell would take their
+/// names apart.
 const std::set<std::string>& interfacesPassedOver();
 
 }  // namespace kvl::provider

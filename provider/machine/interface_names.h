@@ -12,16 +12,14 @@ namespace kvl::provider {
 
 /// The names by which the library knows the interfaces of the machine, where it can't know them by their own:
 ///
-/// - The kernel takes almost any bytes as a name, among them those that make a shell run a command, and the library
-/// puts
+/// - The kernel takes almost any bytes as a name, among them those that make a shell run a command. The library puts
 ///   names into shell lines. Such a name gets a stand-in of the same shape, with "_" for each such byte.
-/// - The library takes an interface for a port by its name: one that begins with "eth" and holds neither "." nor ":".
-/// It
-///   drops names that hold "lo" or "sit". A port, a bond or a VLAN whose name it would misread gets a stand-in of the
-///   form that it reads, with a free number: eth2, bond0, vlan1.
+/// - The library takes an interface for a port if its name begins with "eth" and holds neither "." nor ":". It drops
+///   names that hold "lo" or "sit". A port, a bond or a VLAN whose name it would misread gets a stand-in of the form
+///   that it reads, with a free number: eth2, bond0, vlan1.
 class InterfaceNames {
 public:
-    /// Makes interfaces known, with stand-ins for the names that need one. All whose names the library is to tell apart
+    /// Makes interfaces known, with stand-ins for the names that need one. All names that the library must distinguish
     /// should be made known together, before a text that names them is translated.
     void add(const std::map<std::string, InterfaceRole>& interfaces);
 

@@ -15,7 +15,7 @@ bool isInSbin(const std::string& name) {
     return access(("/sbin/" + name).c_str(), X_OK) == 0;
 }
 
-/// The program that all but everybody has under another name, which tells it what to be.
+/// The path of busybox, which acts as the command by whose name it is called.
 std::string needBusybox() {
     std::string busybox = findProgram("busybox");
     if (busybox.empty()) {

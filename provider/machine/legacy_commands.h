@@ -6,7 +6,7 @@
 
 namespace kvl::provider {
 
-/// Commands by their names in /sbin, with the programs that are to be found there in their stead.
+/// Commands by their names in /sbin, with the programs that stand in for them there.
 using SuppliedCommands = std::map<std::string, std::string>;
 
 /// Looks for the commands that the library calls in /sbin and that this machine lacks there, and for programs that do

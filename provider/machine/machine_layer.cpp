@@ -108,7 +108,7 @@ std::string MachineLayer::settingsOf(const std::string& interface) const {
     return "";
 }
 
-/// Has the command ask for what the library asks for, in the machine's own terms. The library names an interface by a
+/// Puts what the library asks for into the machine's own terms. The library names an interface by a
 /// word of its own, or at the end of a path.
 void MachineLayer::askMachine(PlainCommand& command) const {
     for (std::size_t index = 1; index < command.words.size(); ++index) {
@@ -121,7 +121,7 @@ void MachineLayer::askMachine(PlainCommand& command) const {
     }
 }
 
-/// Has the result file hold what the library reads.
+/// Brings the result file into the form that the library reads.
 void MachineLayer::translate(const PlainCommand& command) {
     const std::string output = contentOf(command.outputFile);
     const std::string line = describe(command);

@@ -14,7 +14,7 @@
 
 namespace kvl::provider {
 
-/// A bus information that was not handed on to the library.
+/// Bus information that was withheld from the library.
 struct WithheldBusInfo {
     std::string interface;  ///< as the machine names it
     std::string busInfo;

@@ -37,7 +37,7 @@ int makeDirectory(const std::string& path, mode_t mode) {
     return error;
 }
 
-/// Root can do what this user was denied; nobody can do the rest.
+/// Root can do what this user was denied. For other errors there is no advice.
 std::string adviceFor(int error) {
     const bool isDenied = error == EACCES || error == EPERM;
     return isDenied ? ": as root, make it for this user, with mode 0700" : "";

@@ -16,7 +16,7 @@ int makeParents(const std::string& path);
 /// @throws ProviderError with what to do
 void needSafeParents(const std::string& path, const std::string& role);
 
-/// Sees to it that a directory is there and safe: made if it can be, a directory and no link, this user's own, closed
+/// Ensures that a directory is there and safe: made if it can be, a directory and no link, this user's own, closed
 /// to everybody else, and with safe parents.
 /// @throws ProviderError otherwise, with what to do
 void needOwnDirectory(const std::string& directory, const std::string& role);

@@ -13,7 +13,7 @@ constexpr const char* kDevices = "/sys/bus/pci/devices";
 }  // namespace
 
 bool isPciDevice(const std::string& location) {
-    const std::string end = ":" + location;  // behind the domain
+    const std::string end = ":" + location;  // after the domain
     std::error_code error;
     for (fs::directory_iterator entry(kDevices, error); !error && entry != fs::directory_iterator();
          entry.increment(error)) {

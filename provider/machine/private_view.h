@@ -14,7 +14,7 @@ namespace kvl::provider {
 std::vector<std::string> privateViewOptions(const SuppliedCommands& supplied);
 
 /// The options that show the directory of a file that is to be written, wherever it is, at a place of the view's own,
-/// and tell the program in the view about it.
+/// and name that place to the program in the view.
 /// @param file  empty: none
 std::vector<std::string> outputOptions(const std::string& file);
 

@@ -14,7 +14,7 @@ constexpr const char* kResultDirectory = "/opt/tarvenn/kvl/provider/tmp";
 /// the system's own directories, and files that nobody else can read.
 void enterProviderEnvironment();
 
-/// Sees to it that the result directory is there and safe, since whoever can write there can say what the report holds.
+/// Ensures that the result directory is there and safe, since whoever can write there can say what the report holds.
 /// @throws ProviderError otherwise, with what to do
 void needResultDirectory(const std::string& directory = kResultDirectory);
 

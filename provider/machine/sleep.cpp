@@ -23,7 +23,7 @@ void setSleepObserver(std::function<void(unsigned seconds)> next) {
 }  // namespace kvl::provider
 
 /// Stands in front of libc's own. The program exports it, so the library's waits for the output of a command, up to ten
-/// seconds that nothing else tells of, come through here and can be shown. Where everything that the command has
+/// seconds that nothing else reports, come through here and can be shown. Where everything that the command has
 /// started has ended, no output can appear any more, and there is nothing to wait for.
 extern "C" unsigned sleep(unsigned seconds) {
     kvl::provider::CommandRunner* const runner = kvl::provider::commandRunner();

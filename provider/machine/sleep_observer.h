@@ -5,7 +5,7 @@
 
 namespace kvl::provider {
 
-/// Lets the program tell the operator about libc's sleep, in which the library waits for a command's output.
+/// Lets the program report libc's sleep to the operator, in which the library waits for a command's output.
 /// @param observer  is called before each sleep, with its seconds; an empty one ends the watching
 void setSleepObserver(std::function<void(unsigned seconds)> observer);
 

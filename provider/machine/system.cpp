@@ -29,7 +29,7 @@ std::function<void(int)>& observer() {
     return current;
 }
 
-/// Has interrupts noted that are not ignored. A command gets their usual disposition back.
+/// Notes interrupts that are not ignored. A command gets their usual disposition back.
 class NotedInterrupts {
 public:
     NotedInterrupts() {

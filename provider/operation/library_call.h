@@ -19,8 +19,8 @@ public:
     /// @param steps  in their order, each of which begins once; those that nothing in the trace begins are left out
     LibraryCall(Run& run, const Steps& steps);
 
-    /// Makes the call. The commands that it starts hold the machine's lock, so that one that is left behind by a dead
-    /// process keeps others away.
+    /// Makes the call. The commands that it starts hold the machine's lock, so one that outlives this process still
+    /// locks others out.
     /// @return what the library answers; false also if it throws
     bool make(const std::function<bool()>& call);
 

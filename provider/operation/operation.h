@@ -22,7 +22,7 @@ struct Plan {
     std::string skipped;  ///< why a part that was asked for is left out; empty if none is
 };
 
-/// How an operation has come out.
+/// The result of an operation.
 enum class Result {
     kPlanned,    ///< It could begin: this was a dry run.
     kDone,       ///< What was asked for is done.
@@ -31,7 +31,7 @@ enum class Result {
     kChanged,    ///< It failed when something was changed already.
 };
 
-/// How the carrying out of a plan has ended.
+/// How carrying out a plan has ended.
 struct Ending {
     static Ending done(const std::string& sentence, const std::string& record) {
         return {Result::kDone, sentence, record, std::nullopt};
@@ -45,7 +45,7 @@ struct Ending {
     std::optional<Failure> failure;  ///< why it failed, where the sentence doesn't say it
 };
 
-/// The carrying out of a plan, as the operation sees it that does it.
+/// What an operation sees of the run while it carries its plan out.
 class Execution {
 public:
     virtual ~Execution() = default;
@@ -84,10 +84,10 @@ public:
     /// Does what can still refuse.
     virtual void prepare() {}
 
-    /// Carries the plan out, and checks what has come of it.
+    /// Carries the plan out, and checks the result.
     virtual Ending carryOut(Execution& execution) = 0;
 
-    /// Clears up when the end is recorded.
+    /// Cleans up after the end is recorded.
     /// @return what else the operator must know, a sentence each
     virtual std::vector<std::string> conclude(const Ending& /*ending*/) { return {}; }
 };
@@ -100,12 +100,12 @@ struct OperationOptions {
     RunOptions run;
 };
 
-/// What has come of an operation.
+/// The outcome of an operation.
 struct OperationReport {
     Result result = Result::kDone;
     std::optional<Plan> plan;
     std::vector<std::string> done;    ///< what was done, a sentence each
-    std::vector<std::string> errors;  ///< what standard error was told
+    std::vector<std::string> errors;  ///< what was printed to standard error
     std::optional<Failure> failure;
     int signal = 0;  ///< that came meanwhile and was kept away; 0 for none
 };

@@ -25,7 +25,7 @@ enum class Change {
 /// on a failure.
 struct Step {
     std::vector<std::string> plan;          ///< Its lines in the plan.
-    TraceEvent begins = TraceEvent::kNone;  ///< By which it is known to begin; kNone for a step that isn't followed.
+    TraceEvent begins = TraceEvent::kNone;  ///< The event with which it begins; kNone for a step that isn't followed.
     std::string shown;                      ///< While it runs, as in "unpacking module.zip".
     Change changes = Change::kNothing;
     std::string output;  ///< File that an updater prints into; empty without one.

@@ -25,7 +25,7 @@ Texts addresses(const pugi::xml_node& tcpIp, const char* tag, const char* separa
     return texts;
 }
 
-/// The report's IPv6 addresses bring the "/" in front of their prefix along.
+/// Some of the report's IPv6 addresses already end with the "/" that goes before the prefix.
 Texts ipv6Addresses(const pugi::xml_node& tcpIp) {
     Texts texts;
     for (const pugi::xml_node& node : tcpIp.children("ipv6_address")) {

@@ -9,7 +9,7 @@
 #include <iostream>
 #include <memory>
 
-/// Where a sanitizer's report goes; there in a program that has one alone.
+/// Sets where a sanitizer's report goes. Only a program with a sanitizer has this.
 extern "C" void __sanitizer_set_report_fd(void* descriptor) __attribute__((weak));
 
 namespace kvl::provider {
@@ -18,7 +18,7 @@ namespace {
 constexpr off_t kLastBytes = 1024;
 constexpr std::size_t kStep = 4096;
 
-/// @return a nameless file, or where that can't be had, the device that takes everything
+/// @return a nameless file, or /dev/null if none can be made
 host::FileDescriptor makeSink() {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
     if (!file) {
@@ -91,7 +91,7 @@ void QuietOutput::show() {
 
 void QuietOutput::forget() {
     shown_ = 0;
-    static_cast<void>(ftruncate(sink_.number(), 0) == 0);  // the device that takes everything has nothing to forget
+    static_cast<void>(ftruncate(sink_.number(), 0) == 0);  // /dev/null has nothing to forget
 }
 
 std::string QuietOutput::lastLine() const {

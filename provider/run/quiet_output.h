@@ -10,18 +10,18 @@
 
 namespace kvl::provider {
 
-/// Has one of the process's descriptors stand for a file, for as long as the object lives.
+/// Points one of the process's descriptors at a file, for as long as the object lives.
 class DivertedDescriptor {
 public:
     DivertedDescriptor(int number, const host::FileDescriptor& file);
 
-    /// The descriptor stands for what it stood for, or is closed again if it was.
+    /// Points the descriptor where it pointed before, or closes it if it was closed.
     ~DivertedDescriptor();
 
     DivertedDescriptor(const DivertedDescriptor&) = delete;
     DivertedDescriptor& operator=(const DivertedDescriptor&) = delete;
 
-    /// What it stood for; -1 if it was closed.
+    /// Where it pointed before; -1 if it was closed.
     int kept() const { return kept_.number(); }
 
 private:

@@ -31,11 +31,11 @@ enum class Turn {
 };
 
 /// A run of the library, for as long as the object lives: the process has what the library's commands need, nobody else
-/// works on the machine, the operator sees what the library waits for, what the commands print reaches nobody but who
-/// asks for the trace, and an interrupt ends the program also while a command runs. One at a time.
+/// works on the machine, the operator sees what the library waits for, the commands' output is shown only to an
+/// operator who asks for the trace, and an interrupt ends the program also while a command runs. One at a time.
 class Run {
 public:
-    /// @throws ProviderError if the turn isn't had in time
+    /// @throws ProviderError if the turn doesn't come in time
     Run(const RunOptions& options, Turn turn);
 
     /// The same with a display of the caller's.
@@ -49,7 +49,7 @@ public:
     /// What the operator sees while it runs.
     Display& display() { return *display_; }
 
-    /// Writes to standard output, which what the commands print doesn't reach. @return false if that failed
+    /// Writes to standard output, which the commands' output doesn't reach. @return false if that failed
     bool print(const std::string& text) const { return output_.write(text); }
 
     /// Writes a line about the run to standard error, below whatever is shown there, unless the operator wants quiet.
@@ -64,7 +64,7 @@ public:
     /// Forgets what the commands have printed so far.
     void forgetPrinted() { output_.forget(); }
 
-    /// Has lines of the trace be shown in another form than the library has written them.
+    /// Shows lines of the trace in another form than the library has written them.
     /// @param shown  empty: as they are
     void setShownTrace(std::function<std::string(const std::string& text)> shown) { shownTrace_ = std::move(shown); }
 
@@ -93,7 +93,7 @@ private:
     std::function<std::string(const std::string& text)> shownTrace_;
 };
 
-/// Has a listener learn what happens in a run, for as long as the object lives, in place of the one before.
+/// Reports what happens in a run to a listener, for as long as the object lives, in place of the one before.
 class Listening {
 public:
     Listening(Run& run, RunListener listener) : run_(run), listener_(std::move(listener)), before_(run.listener_) {

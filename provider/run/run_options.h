@@ -13,7 +13,7 @@ struct RunOptions {
 };
 
 /// Takes the machine's lock. A wait for it is reported to the operator.
-/// @throws ProviderError if it isn't had in time
+/// @throws ProviderError if it isn't free in time
 CollectionLock takeTurn(unsigned waitSeconds);
 
 }  // namespace kvl::provider

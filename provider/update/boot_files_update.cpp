@@ -198,7 +198,7 @@ Ending BootFilesUpdate::addOverrides() {
     return isChanged ? Ending::changed(trouble) : Ending::unchanged(trouble);
 }
 
-/// What is wrong behind the library's call, whose answer doesn't tell a full disk.
+/// What is wrong after the library's call, whose answer doesn't report a full disk.
 std::string BootFilesUpdate::overrideTrouble(const LibraryCall& call) const {
     std::string trouble;
     for (const DriverOverride* file : files_) {
@@ -242,7 +242,7 @@ Ending BootFilesUpdate::rebuild() {
     return stateAfterFailedRebuild(call);
 }
 
-/// The state that a failure has left, mended where that is wanted.
+/// The state that a failure has left, repaired if that was asked for.
 Ending BootFilesUpdate::stateAfterFailedRebuild(const LibraryCall& call) const {
     const std::string failed = call.failedCommand();
     const std::string what = failed.empty() ? "dracut wrote no image" : failed;

@@ -69,7 +69,7 @@ Steps FirmwarePlan::steps() const {
                          Change::kBootCode,
                          resultFile()});
     }
-    // Without boot code the library names its file all the same, and that is the first that is heard of the firmware.
+    // Without boot code the library still traces the name of its file, and that line is the first of the firmware's.
     steps.push_back({{"firmware: " + download(firmware)},
                      bootCode.empty() ? TraceEvent::kFirmwareChoice : TraceEvent::kUpdaterStart,
                      "writing the firmware " + firmware,

@@ -20,7 +20,7 @@ struct FirmwareRequest {
     std::string scratch;  ///< empty: in the working tree
 };
 
-/// An update of firmware and boot code that can be carried out, as far as looking tells.
+/// An update of firmware and boot code that can be carried out, as far as can be seen beforehand.
 struct FirmwarePlan {
     std::string device;
     std::string family;

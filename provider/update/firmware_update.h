@@ -11,7 +11,7 @@
 
 namespace kvl::provider {
 
-/// What runs on the adapter, as a new dump tells it.
+/// What runs on the adapter, as a new dump reports it.
 struct RunningVersions {
     VersionAnswer firmware;
     VersionAnswer bootCode;

@@ -11,7 +11,7 @@ namespace kvl::provider {
 /// The lines that a file doesn't hold as lines of their own.
 std::vector<std::string> missingLines(const DriverOverride& file);
 
-/// Sees to it that the lines can be added where they are missing, and that the library will add them.
+/// Ensures that the lines can be added where they are missing, and that the library will add them.
 /// @throws ProviderError otherwise, with what to do
 void requireOverrideFile(const DriverOverride& file);
 

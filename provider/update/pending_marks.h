@@ -34,7 +34,7 @@ PendingKinds markedKinds();
 /// Has the library mark a kind. @throws AdapterFailure if it can't
 void markAsPending(const PendingKind& kind);
 
-/// Sees to it that marks can be deleted: a library that hands some back and leaves others would lose track.
+/// Ensures that marks can be deleted: a library that hands some back and leaves others would lose track.
 /// @throws ProviderError if not, with what to do
 void requireDeletableMarks(const PendingKinds& marked);
 

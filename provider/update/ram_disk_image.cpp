@@ -18,7 +18,7 @@ std::optional<struct stat> lookAt(const std::string& path) {
     return lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? std::optional(status) : std::nullopt;
 }
 
-/// What tells a file from others, whatever its name: a move keeps it.
+/// What identifies a file, whatever its name: a move keeps it.
 std::string identity(const std::string& path) {
     const auto status = lookAt(path);
     return !status ? ""

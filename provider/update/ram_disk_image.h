@@ -9,11 +9,11 @@ namespace kvl::provider {
 
 /// The initial RAM disk of the running kernel, and the former one that a rebuild leaves beside it.
 ///
-/// While a rebuild runs, a note in a file tells which file is the image that the machine started with. One that is left
+/// While a rebuild runs, a note in a file says which file is the image that the machine started with. One that is left
 /// over belongs to a rebuild that was broken off, or that failed: what has the image's name then isn't to be trusted.
 class RamDiskImage {
 public:
-    /// @param kernel         as `uname -r` tells it
+    /// @param kernel         as `uname -r` prints it
     /// @param noteDirectory  where the note lies
     RamDiskImage(const std::string& kernel, const std::string& noteDirectory);
 

@@ -22,7 +22,7 @@ struct ToolRequest {
 /// The tool as it is installed.
 struct InstalledTool {
     bool isThere = false;
-    std::string version;  ///< empty if it can't be told, as without an adapter
+    std::string version;  ///< empty if it isn't known, as without an adapter
 
     bool operator==(const InstalledTool& other) const {
         return isThere == other.isThere && version == other.version && !(isThere && version.empty());

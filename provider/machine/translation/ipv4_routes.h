@@ -13,7 +13,7 @@ namespace kvl::provider {
 /// is a name such as "_gateway" (systemd's, RHEL 7 and newer) or "ip-10-10-0-1.eu" (cut at 15 characters).
 std::string translateIpv4Routes(const std::string& output);
 
-/// A default route whose gateway's address the output does not tell.
+/// A default route whose gateway's address the output does not show.
 struct NamedGateway {
     std::string interface;
     std::string name;  ///< as printed, so perhaps cut at 15 characters
