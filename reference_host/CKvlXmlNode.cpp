@@ -1,34 +1,46 @@
 #include "host/CKvlXmlNode.h"
 
-#include <utility>
+#include "reference_host/xml_node_content.h"
+#include "reference_host/xml_text.h"
 
-#include "reference_host/xml_element.h"
+using kvl::host::xmlName;
+using kvl::host::xmlText;
 
-using kvl::host::ownElement;
-using kvl::host::XmlElement;
+CKvlXmlNode::CKvlXmlNode(std::string tagName) : content_(std::make_unique<Content>()) {
+    content_->tree.append_child(xmlName(tagName).c_str());
+}
 
-CKvlXmlNode::CKvlXmlNode(std::string tagName)
-    : content_(std::make_unique<Content>(Content{std::make_shared<XmlElement>(std::move(tagName))})) {}
-
-CKvlXmlNode::CKvlXmlNode(const CKvlXmlNode& other) : content_(std::make_unique<Content>(*other.content_)) {}
+CKvlXmlNode::CKvlXmlNode(const CKvlXmlNode& other) : content_(std::make_unique<Content>()) {
+    content_->tree.reset(other.content_->tree);
+}
 
 CKvlXmlNode& CKvlXmlNode::operator=(const CKvlXmlNode& other) {
-    content_->element = other.content_->element;
+    if (this != &other) {
+        content_->tree.reset(other.content_->tree);
+    }
     return *this;
 }
 
 CKvlXmlNode::~CKvlXmlNode() = default;
 
 void CKvlXmlNode::setTagName(std::string tagName) {
-    ownElement(content_->element).tag = std::move(tagName);
+    content_->element().set_name(xmlName(tagName).c_str());
 }
 
+/// An element has a name once: the later value holds at the earlier place.
 void CKvlXmlNode::addAttribute(std::string name, std::string value) {
-    ownElement(content_->element).attributes.emplace_back(std::move(name), std::move(value));
+    const std::string fitName = xmlName(name);
+    pugi::xml_attribute attribute = content_->element().attribute(fitName.c_str());
+    if (!attribute) {
+        attribute = content_->element().append_attribute(fitName.c_str());
+    }
+    attribute.set_value(xmlText(value).c_str());
 }
 
 void CKvlXmlNode::addChildNode(const CKvlXmlNode& child) {
-    // Held first: a node that becomes a child of itself is changed as a copy.
-    std::shared_ptr<XmlElement> element = child.content_->element;
-    ownElement(content_->element).children.push_back(std::move(element));
+    if (this == &child) {
+        addChildNode(CKvlXmlNode(child));
+        return;
+    }
+    content_->element().append_copy(child.content_->element());
 }

@@ -2,7 +2,7 @@
 
 #include "reference_host/atomic_file.h"
 #include "reference_host/xml_document.h"
-#include "reference_host/xml_element.h"
+#include "reference_host/xml_node_content.h"
 
 CKvlXmlWrite::CKvlXmlWrite() = default;
 
@@ -11,5 +11,5 @@ CKvlXmlWrite::~CKvlXmlWrite() {}
 
 bool CKvlXmlWrite::writeXML(std::string path, CKvlXmlNode root) {
     kvl::host::AtomicFile file(path);
-    return file.isGood() && kvl::host::writeDocument(*root.content_->element, file) && file.commit();
+    return file.isGood() && kvl::host::writeDocument(root.content_->element(), file) && file.commit();
 }

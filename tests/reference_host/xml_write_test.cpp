@@ -219,7 +219,7 @@ void runOnSmallStack(void* (*work)(void*), void* argument) {
     ::pthread_attr_destroy(&attributes);
 }
 
-constexpr int kDepth = 10000;
+constexpr int kDepth = 3000;
 
 void* writeDeepTree(void* path) {
     CKvlXmlNode node("leaf");
