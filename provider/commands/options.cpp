@@ -130,6 +130,14 @@ void addSeconds(CLI::App& command, const std::string& option, unsigned& seconds,
         ->check(CLI::Range(0, kLongestTime).description(""));
 }
 
+void addHiddenNumber(CLI::App& command, const std::string& option, int& number) {
+    command.add_option(option, number)->group("");
+}
+
+void addHiddenText(CLI::App& command, const std::string& option, std::string& text) {
+    command.add_option(option, text)->group("");
+}
+
 void addRunOptions(CLI::App& command, RunOptions& options) {
     addSeconds(command, "--wait", options.waitSeconds,
                "Longest wait for another kvl to end (default: " + std::to_string(options.waitSeconds) + ")");

@@ -96,6 +96,10 @@ Names namesOf(const Table& table) {
 /// Adds an option whose value is a time in seconds, of a day at most.
 void addSeconds(CLI::App& command, const std::string& option, unsigned& seconds, const std::string& description);
 
+/// Adds options for this program itself, which no help lists.
+void addHiddenNumber(CLI::App& command, const std::string& option, int& number);
+void addHiddenText(CLI::App& command, const std::string& option, std::string& text);
+
 /// Adds --wait, -v and --quiet.
 /// @param options  holds the defaults and receives what was given
 void addRunOptions(CLI::App& command, RunOptions& options);

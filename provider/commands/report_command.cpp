@@ -77,10 +77,10 @@ SuppliedCommands commandsToSupply(const ReportOptions& options) {
 
 int report(const ReportOptions& options, const Arguments& arguments) {
     enterProviderEnvironment();
-    if (auto lock = CollectionLock::handedDown(collectionLockFile())) {
+    if (auto lock = CollectionLock::handedDown(collectionLockFile(), options.heldLock)) {
         lock->shareWithCommands();
         // This is the run in the private view, and all that comes below is done.
-        return collectAndReport(options, placeOfOutput(options.outputFile));
+        return collectAndReport(options, options.placeInView);
     }
     checkOutputFile(options.outputFile);
     const SuppliedCommands supplied = commandsToSupply(options);
@@ -92,8 +92,8 @@ int report(const ReportOptions& options, const Arguments& arguments) {
         lock.shareWithCommands();
         return collectAndReport(options, options.outputFile);
     }
-    lock.handDown();
-    return runInPrivateView(supplied, arguments, options.outputFile);
+    return runInPrivateView(supplied, argumentsInView(arguments, lock.handDown(), placeInView(options.outputFile)),
+                            options.outputFile);
 }
 
 }  // namespace

@@ -50,6 +50,9 @@ struct NamedChoice {
 
 constexpr std::array<NamedChoice, 2> kChoices = {{{"auto", true}, {"never", false}}};
 
+constexpr const char* kHeldLockOption = "--held-lock";
+constexpr const char* kPlaceInViewOption = "--place-in-view";
+
 constexpr std::size_t kLongestVendor = 4;
 constexpr std::size_t kLongestModule = 64;
 constexpr const char* kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_";
@@ -150,6 +153,17 @@ void addReportOptions(CLI::App& command, ReportOptions& options) {
                "Longest time of one command; one that takes longer is ended and named\n"
                "(default: 20; 0 for none)");
     addRunOptions(command, options.run);
+    addHiddenNumber(command, kHeldLockOption, options.heldLock);
+    addHiddenText(command, kPlaceInViewOption, options.placeInView);
+}
+
+std::vector<std::string> argumentsInView(std::vector<std::string> arguments, int heldLock,
+                                         const std::string& placeInView) {
+    arguments.insert(arguments.end(), {kHeldLockOption, std::to_string(heldLock)});
+    if (!placeInView.empty()) {
+        arguments.insert(arguments.end(), {kPlaceInViewOption, placeInView});
+    }
+    return arguments;
 }
 
 }  // namespace kvl::provider

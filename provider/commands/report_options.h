@@ -2,6 +2,7 @@
 #define KVL_PROVIDER_COMMANDS_REPORT_OPTIONS_H
 
 #include <string>
+#include <vector>
 
 #include "provider/library/lan_collection.h"
 #include "provider/run/run_options.h"
@@ -38,11 +39,20 @@ struct ReportOptions {
     bool translates = true;             ///< hands the library what it reads, whatever form the machine prints
     unsigned commandLimitSeconds = 20;  ///< longest time of one command; 0: none
     RunOptions run;
+
+    // What this program passes on to itself when it runs again in a private view, see runInPrivateView().
+    int heldLock = -1;        ///< descriptor of the machine's lock
+    std::string placeInView;  ///< where the file that is named by outputFile is
 };
 
 /// Adds the options to the command, which checks them when it is parsed.
 /// @param options  receives what was given; must live as long as the command
 void addReportOptions(CLI::App& command, ReportOptions& options);
+
+/// The command line for the same report in a private view.
+/// @param arguments  those that this program was given
+std::vector<std::string> argumentsInView(std::vector<std::string> arguments, int heldLock,
+                                         const std::string& placeInView);
 
 }  // namespace kvl::provider
 

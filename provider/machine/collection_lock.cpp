@@ -19,7 +19,6 @@ namespace kvl::provider {
 namespace {
 
 constexpr mode_t kLockMode = 0600;
-constexpr const char* kHandedDown = "KVL_COLLECTION_LOCK";
 
 [[noreturn]] void refuse(const std::string& file, const std::string& why) {
     throw ProviderError("the lock file " + file + " " + why);
@@ -129,20 +128,17 @@ CollectionLock CollectionLock::take(const std::string& file, unsigned long longe
     return CollectionLock(std::move(opened), notes);
 }
 
-std::optional<CollectionLock> CollectionLock::handedDown(const std::string& file) {
-    const char* number = std::getenv(kHandedDown);
-    const int inherited = number != nullptr ? std::atoi(number) : -1;
-    unsetenv(kHandedDown);
-    if (inherited <= STDERR_FILENO || !isSameFile(inherited, file) || fcntl(inherited, F_SETFD, FD_CLOEXEC) != 0 ||
-        flock(inherited, LOCK_EX | LOCK_NB) != 0) {
+std::optional<CollectionLock> CollectionLock::handedDown(const std::string& file, int number) {
+    if (number <= STDERR_FILENO || !isSameFile(number, file) || fcntl(number, F_SETFD, FD_CLOEXEC) != 0 ||
+        flock(number, LOCK_EX | LOCK_NB) != 0) {
         return std::nullopt;
     }
-    return CollectionLock(host::FileDescriptor(inherited), false);
+    return CollectionLock(host::FileDescriptor(number), false);
 }
 
-void CollectionLock::handDown() const {
+int CollectionLock::handDown() const {
     fcntl(file_.number(), F_SETFD, 0);
-    setenv(kHandedDown, std::to_string(file_.number()).c_str(), 1);
+    return file_.number();
 }
 
 void CollectionLock::shareWithCommands() {

@@ -31,11 +31,14 @@ public:
     /// @throws ProviderError if it is given up, or the file can't be used
     static CollectionLock take(const std::string& file, unsigned long longestPauses, const Waiting& waiting);
 
-    /// The lock that the program which started this one holds and has handed down, if it has.
-    static std::optional<CollectionLock> handedDown(const std::string& file);
+    /// The lock that the program which started this one holds and has handed down.
+    /// @param number  the descriptor that it named
+    /// @return nothing if that is no lock of this file
+    static std::optional<CollectionLock> handedDown(const std::string& file, int number);
 
     /// Lets the programs that this process starts share the lock.
-    void handDown() const;
+    /// @return the descriptor by which they have it
+    int handDown() const;
 
     /// Has every command that is started from now on hold the lock too. It is free when this object goes, whatever
     /// still runs. But if this process dies first, the commands that it left running keep the lock.

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <set>
 
@@ -19,7 +18,6 @@ using Options = std::vector<std::string>;
 
 constexpr const char* kSbin = "/sbin";
 constexpr const char* kOutputDirectory = "/.kvl-output";
-constexpr const char* kOutputVariable = "KVL_OUTPUT_PLACE";
 
 void append(Options& options, const Options& more) {
     options.insert(options.end(), more.begin(), more.end());
@@ -85,6 +83,10 @@ void addSbin(Options& options, const SuppliedCommands& supplied) {
     }
 }
 
+fs::path realPath(const std::string& file) {
+    return fs::weakly_canonical(fs::absolute(file));
+}
+
 std::string needBubblewrap() {
     std::string bubblewrap = findProgram("bwrap");
     if (bubblewrap.empty()) {
@@ -111,18 +113,11 @@ std::vector<std::string> privateViewOptions(const SuppliedCommands& supplied) {
 }
 
 std::vector<std::string> outputOptions(const std::string& file) {
-    if (file.empty()) {
-        return {};
-    }
-    const fs::path real = fs::weakly_canonical(fs::absolute(file));
-    return {"--bind",         real.parent_path().string(),
-            kOutputDirectory, "--setenv",
-            kOutputVariable,  std::string(kOutputDirectory) + "/" + real.filename().string()};
+    return file.empty() ? Options() : Options{"--bind", realPath(file).parent_path().string(), kOutputDirectory};
 }
 
-std::string placeOfOutput(const std::string& file) {
-    const char* place = std::getenv(kOutputVariable);
-    return file.empty() || place == nullptr ? file : place;
+std::string placeInView(const std::string& file) {
+    return file.empty() ? "" : std::string(kOutputDirectory) + "/" + realPath(file).filename().string();
 }
 
 int runInPrivateView(const SuppliedCommands& supplied, const std::vector<std::string>& arguments,

@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using kvl::provider::findProgram;
 using kvl::provider::kResultDirectory;
 using kvl::provider::outputOptions;
-using kvl::provider::placeOfOutput;
+using kvl::provider::placeInView;
 using kvl::provider::privateViewOptions;
 using kvl::test::Outcome;
 using kvl::test::quoted;
@@ -66,8 +66,7 @@ TEST(PrivateViewOptions, MakeAResultDirectoryForTheUserAlone) {
 TEST(OutputOptions, ShowTheDirectoryOfTheFileAtAPlaceOfItsOwn) {
     const ScratchDirectory scratch;
     EXPECT_TRUE(outputOptions("").empty());
-    EXPECT_EQ((std::vector<std::string>{"--bind", scratch.path(), "/.kvl-output", "--setenv", "KVL_OUTPUT_PLACE",
-                                        "/.kvl-output/report.xml"}),
+    EXPECT_EQ((std::vector<std::string>{"--bind", scratch.path(), "/.kvl-output"}),
               outputOptions(scratch / "report.xml"));
     EXPECT_TRUE(hasWords(outputOptions("/report.xml"), {"--bind", "/", "/.kvl-output"}));
     scratch.write("elsewhere/real.xml", "");
@@ -75,13 +74,13 @@ TEST(OutputOptions, ShowTheDirectoryOfTheFileAtAPlaceOfItsOwn) {
     EXPECT_TRUE(hasWords(outputOptions(scratch / "link.xml"), {"--bind", scratch / "elsewhere", "/.kvl-output"}));
 }
 
-TEST(PlaceOfOutput, IsTheNameThatWasGivenWhereNoViewTellsBetter) {
-    EXPECT_EQ("", placeOfOutput(""));
-    EXPECT_EQ("report.xml", placeOfOutput("report.xml"));
-    setenv("KVL_OUTPUT_PLACE", "/.kvl-output/report.xml", 1);
-    EXPECT_EQ("", placeOfOutput(""));
-    EXPECT_EQ("/.kvl-output/report.xml", placeOfOutput("report.xml"));
-    unsetenv("KVL_OUTPUT_PLACE");
+TEST(PlaceInView, IsTheRealNameOfTheFileInThatDirectory) {
+    const ScratchDirectory scratch;
+    EXPECT_EQ("", placeInView(""));
+    EXPECT_EQ("/.kvl-output/report.xml", placeInView("report.xml"));
+    scratch.write("elsewhere/real.xml", "");
+    fs::create_symlink("elsewhere/real.xml", scratch / "link.xml");
+    EXPECT_EQ("/.kvl-output/real.xml", placeInView(scratch / "link.xml"));
 }
 
 /// Runs a script in a private view of this machine.
@@ -140,7 +139,7 @@ TEST_F(PrivateView, SeesTheFilesOfTheMachine) {
 
 TEST_F(PrivateView, WritesTheOutputFileToTheMachine) {
     const ScratchDirectory scratch;
-    EXPECT_EQ(0, run("echo report > $KVL_OUTPUT_PLACE", scratch / "report.txt").status);
+    EXPECT_EQ(0, run("echo report > " + placeInView(scratch / "report.txt"), scratch / "report.txt").status);
     EXPECT_EQ("report\n", kvl::test::readFile(scratch / "report.txt"));
 }
 
