@@ -24,7 +24,6 @@ using kvl::test::Outcome;
 using kvl::test::quoted;
 using kvl::test::runOutside;
 using kvl::test::ScratchDirectory;
-using testing::HasSubstr;
 
 /// True if these words stand in the options, one after the other.
 bool hasWords(const std::vector<std::string>& options, const std::vector<std::string>& words) {
