@@ -15,7 +15,6 @@ using kvl::test::replayKvl;
 using kvl::test::runKvl;
 using kvl::test::runOnServer;
 using kvl::test::runOnTerminal;
-using kvl::test::ScratchDirectory;
 using nlohmann::json;
 using testing::AllOf;
 using testing::HasSubstr;

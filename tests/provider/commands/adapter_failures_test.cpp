@@ -15,7 +15,6 @@
 namespace {
 
 using kvl::test::Outcome;
-using kvl::test::readFile;
 using kvl::test::runKvl;
 using kvl::test::runOnServer;
 using kvl::test::ScratchDirectory;

@@ -11,7 +11,6 @@
 namespace {
 
 using kvl::test::Outcome;
-using kvl::test::readFile;
 using kvl::test::updateOnServer;
 using testing::AllOf;
 using testing::EndsWith;

@@ -14,7 +14,6 @@ using kvl::test::updateOnServer;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
-using testing::StartsWith;
 
 const std::string kTemp = "/opt/tarvenn/kvl/tmp/EMULEX/temp/";
 const std::string kTool = "/usr/sbin/ocmanager/hbacmd";

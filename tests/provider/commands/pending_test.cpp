@@ -8,7 +8,6 @@
 namespace {
 
 using kvl::test::Outcome;
-using kvl::test::replayKvl;
 using kvl::test::runOnServer;
 using nlohmann::json;
 using testing::HasSubstr;

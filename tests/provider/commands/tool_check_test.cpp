@@ -10,7 +10,6 @@ namespace {
 
 using kvl::test::Outcome;
 using kvl::test::replayKvl;
-using kvl::test::runKvl;
 using kvl::test::runOnServer;
 using nlohmann::json;
 using testing::AllOf;

@@ -32,7 +32,6 @@ using testing::AnyOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::IsSubsetOf;
 using testing::SizeIs;
 using Patterns = std::vector<std::string>;
 using Scripts = std::vector<CheckScript>;

@@ -11,7 +11,6 @@ namespace {
 using kvl::provider::describe;
 using kvl::provider::Failure;
 using kvl::provider::lastFailure;
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 

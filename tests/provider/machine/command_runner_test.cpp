@@ -27,7 +27,6 @@ using kvl::provider::RunnerInCharge;
 using kvl::test::readFile;
 using kvl::test::ScratchDirectory;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr std::chrono::milliseconds kNoLimit(0);
 constexpr std::chrono::milliseconds kShortLimit(50);

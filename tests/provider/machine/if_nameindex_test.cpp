@@ -9,9 +9,6 @@
 
 namespace {
 
-using kvl::test::Outcome;
-using kvl::test::runOutside;
-
 TEST(InterfaceIndex, IsTheKernelsWhereEveryNameIsPlain) {
     std::map<std::string, unsigned> found;
     struct if_nameindex* const list = if_nameindex();

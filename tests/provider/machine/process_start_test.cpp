@@ -8,11 +8,8 @@
 namespace {
 
 using kvl::test::Outcome;
-using kvl::test::readFile;
-using kvl::test::readTree;
 using kvl::test::rootWithKvl;
 using kvl::test::runInside;
-using kvl::test::ScratchDirectory;
 using testing::HasSubstr;
 using testing::StartsWith;
 
